@@ -1,0 +1,91 @@
+# How the library is put together: ordinary sources are compiled once, kernel sources once for every instruction set.
+# Each folder adds its own with qorv_sources() and qorv_kernel_sources(); qorv_finish_library() makes the targets.
+
+set(QORV_WARNINGS -Wall -Wextra -Wconversion -Wshadow)
+
+if(QORV_SCALAR)
+  set(QORV_ISAS plain)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+  set(QORV_ISAS v2 v3)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+  set(QORV_ISAS neon)
+else()
+  set(QORV_ISAS plain)
+endif()
+set(QORV_ISA_FLAGS_v2 -march=x86-64-v2)
+set(QORV_ISA_FLAGS_v3 -march=x86-64-v3)
+
+# Compile options of every source that goes into the library.
+add_library(qorv_build_options INTERFACE)
+target_include_directories(qorv_build_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(qorv_build_options INTERFACE
+  ${QORV_WARNINGS} -fvisibility=hidden -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-math-errno)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+  target_compile_options(qorv_build_options INTERFACE -mbranch-protection=standard)
+endif()
+
+add_library(qorv_objects OBJECT)
+target_link_libraries(qorv_objects PRIVATE qorv_build_options)
+set_target_properties(qorv_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
+foreach(isa ${QORV_ISAS})
+  target_compile_definitions(qorv_objects PRIVATE QORV_HAVE_${isa})
+endforeach()
+
+function(qorv_sources)
+  foreach(source ${ARGN})
+    target_sources(qorv_objects PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+  endforeach()
+endfunction()
+
+function(qorv_kernel_sources)
+  foreach(source ${ARGN})
+    set_property(GLOBAL APPEND PROPERTY QORV_KERNEL_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+  endforeach()
+endfunction()
+
+# One object library of all kernel sources for one instruction set.
+function(qorv_add_kernels isa)
+  get_property(sources GLOBAL PROPERTY QORV_KERNEL_SOURCES)
+  add_library(qorv_kernels_${isa} OBJECT ${sources})
+  target_link_libraries(qorv_kernels_${isa} PRIVATE qorv_build_options)
+  target_compile_options(qorv_kernels_${isa} PRIVATE ${QORV_ISA_FLAGS_${isa}})
+  target_compile_definitions(qorv_kernels_${isa} PRIVATE QORV_ISA=${isa} QORV_ISA_IS_${isa})
+  set_target_properties(qorv_kernels_${isa} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# The linker's version script is made from the list of exported names.
+function(qorv_write_version_script list script)
+  file(STRINGS ${list} names REGEX "^[a-z]")
+  list(JOIN names ";\n    " joined)
+  file(CONFIGURE OUTPUT ${script} CONTENT "{\n  global:\n    ${joined};\n  local:\n    *;\n};\n")
+  set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+endfunction()
+
+function(qorv_finish_library)
+  set(objects $<TARGET_OBJECTS:qorv_objects>)
+  foreach(isa ${QORV_ISAS})
+    qorv_add_kernels(${isa})
+    list(APPEND objects $<TARGET_OBJECTS:qorv_kernels_${isa}>)
+  endforeach()
+
+  set(script ${CMAKE_BINARY_DIR}/qorv_skia.map)
+  qorv_write_version_script(${PROJECT_SOURCE_DIR}/qorv_skia.exports ${script})
+
+  add_library(qorv_skia SHARED ${objects})
+  set_target_properties(qorv_skia PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 LINK_DEPENDS ${script})
+  target_link_options(qorv_skia PRIVATE -Wl,--version-script=${script}
+    -Wl,-z,now,-z,relro,-z,noexecstack -Wl,--as-needed -Wl,--no-undefined-version)
+  if(NOT QORV_SANITIZE)
+    target_link_options(qorv_skia PRIVATE -Wl,-z,defs)
+  endif()
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+    target_link_options(qorv_skia PRIVATE -Wl,-z,max-page-size=16384 -mbranch-protection=standard)
+  endif()
+
+  add_library(qorv_skia_static STATIC ${objects})
+  set_target_properties(qorv_skia_static PROPERTIES OUTPUT_NAME qorv_skia)
+  foreach(target qorv_skia qorv_skia_static)
+    target_include_directories(${target} PUBLIC
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  endforeach()
+endfunction()

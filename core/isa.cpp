@@ -1,0 +1,22 @@
+#include "core/isa.h"
+
+namespace qorv {
+
+#if defined(QORV_HAVE_v2)
+
+constinit KernelSet active = QORV_KERNEL_SET(v2);
+
+namespace {
+[[gnu::constructor]] void choose_kernel_set() {
+    __builtin_cpu_init();
+    if (__builtin_cpu_supports("x86-64-v3")) active = QORV_KERNEL_SET(v3);
+}
+}  // namespace
+
+#elif defined(QORV_HAVE_neon)
+constinit KernelSet active = QORV_KERNEL_SET(neon);
+#else
+constinit KernelSet active = QORV_KERNEL_SET(plain);
+#endif
+
+}  // namespace qorv

@@ -1,0 +1,71 @@
+#include "support/allocation.h"
+
+#include <atomic>
+#include <cstddef>
+#include <limits>
+
+extern "C" {
+void *__real_malloc(size_t);
+void *__real_calloc(size_t, size_t);
+void *__real_realloc(void *, size_t);
+void __real_free(void *);
+void *__wrap_malloc(size_t);
+void *__wrap_calloc(size_t, size_t);
+void *__wrap_realloc(void *, size_t);
+void __wrap_free(void *);
+}
+
+namespace {
+
+std::atomic<long> live{0};
+std::atomic<long> until_failure{std::numeric_limits<long>::max()};
+
+bool refused() {
+    return until_failure.load() != std::numeric_limits<long>::max() && --until_failure < 1;
+}
+
+void *counted(void *block) {
+    if (block != nullptr) live++;
+    return block;
+}
+
+}  // namespace
+
+extern "C" void *__wrap_malloc(size_t size) {
+    return refused() ? nullptr : counted(__real_malloc(size));
+}
+
+extern "C" void *__wrap_calloc(size_t count, size_t size) {
+    return refused() ? nullptr : counted(__real_calloc(count, size));
+}
+
+extern "C" void *__wrap_realloc(void *block, size_t size) {
+    if (refused()) return nullptr;
+    void *moved = __real_realloc(block, size);
+    return block == nullptr ? counted(moved) : moved;
+}
+
+extern "C" void __wrap_free(void *block) {
+    if (block != nullptr) live--;
+    __real_free(block);
+}
+
+namespace test {
+
+FailAllocations::FailAllocations(int n) {
+    until_failure = n;
+}
+
+FailAllocations::~FailAllocations() {
+    until_failure = std::numeric_limits<long>::max();
+}
+
+bool FailAllocations::reached() const {
+    return until_failure.load() < 1;
+}
+
+long live_allocations() {
+    return live.load();
+}
+
+}  // namespace test
