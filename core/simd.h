@@ -54,15 +54,55 @@ template <class V>
     memcpy(p, &v, sizeof v);
 }
 
-// The type of a vector's lanes.
-template <class V>
-using Lane = __typeof__(V{}[0]);
-
-// The same value in every lane.
-template <class V>
-[[gnu::always_inline]] inline V splat(Lane<V> value) {
-    return V{} + value;
+// The same value, taken modulo the size of a lane, in every lane.
+template <class V, class T>
+[[gnu::always_inline]] inline V splat(T value) {
+    return V{} + static_cast<__typeof__(V{}[0])>(value);
 }
+
+// ---- Colour conversion ----
+
+// The 16-bit lanes that come from one vector of bytes, in two halves: the lower and the upper half of the bytes, or, on
+// x86, of each 128-bit lane. Sums wrap; the constants are taken modulo 2^16.
+struct Wide {
+    I16 lo, hi;
+};
+
+[[gnu::always_inline]] inline Wide operator+(Wide a, Wide b) {
+    return {(I16)((U16)a.lo + (U16)b.lo), (I16)((U16)a.hi + (U16)b.hi)};
+}
+
+[[gnu::always_inline]] inline Wide operator-(Wide a, Wide b) {
+    return {(I16)((U16)a.lo - (U16)b.lo), (I16)((U16)a.hi - (U16)b.hi)};
+}
+
+[[gnu::always_inline]] inline Wide operator+(Wide a, int b) {
+    const U16 v = splat<U16>(b);
+    return {(I16)((U16)a.lo + v), (I16)((U16)a.hi + v)};
+}
+
+[[gnu::always_inline]] inline Wide operator-(Wide a, int b) {
+    return a + -b;
+}
+
+template <int Bits>
+[[gnu::always_inline]] inline Wide shift(Wide a) {  // arithmetic
+    return {a.lo >> Bits, a.hi >> Bits};
+}
+
+template <int Bits>
+[[gnu::always_inline]] inline Wide shift_logical(Wide a) {
+    return {(I16)((U16)a.lo >> Bits), (I16)((U16)a.hi >> Bits)};
+}
+
+// Below, for each architecture:
+//   weighted<A, B>(a, b)     A a + B b for bytes a, b; A, B in -128..127, every partial sum within 16 bits signed
+//   add_saturated(a, n)      signed saturation
+//   narrow(a)                to bytes, clamped to 0..255
+//   narrow_signed(a)         to bytes, clamped to -128..127
+//   load_interleaved2..4, store_interleaved2..4    n channels of a block, sample by sample in memory
+
+// ---- End of colour conversion ----
 
 }  // namespace qorv::QORV_ISA
 

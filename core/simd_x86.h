@@ -1,9 +1,166 @@
-// The primitives of core/simd.h for x86.
+// The primitives of core/simd.h for x86: SSE4.1 (v2) and AVX2 (v3).
 #pragma once
 
 #ifdef QORV_SIMD_X86
 
+// The intrinsic of the full register: both sets have the same operations, AVX2 does them in each 128-bit lane.
+#if defined(QORV_ISA_IS_v3)
+#define QORV_MM(operation) _mm256_##operation
+#else
+#define QORV_MM(operation) _mm_##operation
+#endif
+
 namespace qorv::QORV_ISA {
+
+#if defined(QORV_ISA_IS_v3)
+using Register = __m256i;
+#else
+using Register = __m128i;
+#endif
+
+// The same 16 bytes in every lane.
+[[gnu::always_inline]] inline Register every_lane(__m128i v) {
+#if defined(QORV_ISA_IS_v3)
+    return _mm256_broadcastsi128_si256(v);
+#else
+    return v;
+#endif
+}
+
+// ---- Colour conversion ----
+
+template <int A, int B>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
+    const Register weights = QORV_MM(set1_epi16)(static_cast<int16_t>(B * 256 + (A & 0xFF)));
+    return {(I16)QORV_MM(maddubs_epi16)(QORV_MM(unpacklo_epi8)((Register)a, (Register)b), weights),
+            (I16)QORV_MM(maddubs_epi16)(QORV_MM(unpackhi_epi8)((Register)a, (Register)b), weights)};
+}
+
+[[gnu::always_inline]] inline Wide add_saturated(Wide a, int16_t b) {
+    const Register v = QORV_MM(set1_epi16)(b);
+    return {(I16)QORV_MM(adds_epi16)((Register)a.lo, v), (I16)QORV_MM(adds_epi16)((Register)a.hi, v)};
+}
+
+[[gnu::always_inline]] inline U8 narrow(Wide a) {
+    return (U8)QORV_MM(packus_epi16)((Register)a.lo, (Register)a.hi);
+}
+
+[[gnu::always_inline]] inline U8 narrow_signed(Wide a) {
+    return (U8)QORV_MM(packs_epi16)((Register)a.lo, (Register)a.hi);
+}
+
+// The `index`-th 16 bytes of `Channels` interleaved channels, and in the second lane those of the next 16 pixels.
+template <int Channels>
+[[gnu::always_inline]] inline Register load_lanes(const uint8_t *p, int index) {
+    const __m128i *q = reinterpret_cast<const __m128i *>(p) + index;
+#if defined(QORV_ISA_IS_v3)
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(q)), _mm_loadu_si128(q + Channels), 1);
+#else
+    return _mm_loadu_si128(q);
+#endif
+}
+
+template <int Channels>
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, int index, Register v) {
+    __m128i *q = reinterpret_cast<__m128i *>(p) + index;
+#if defined(QORV_ISA_IS_v3)
+    _mm_storeu_si128(q, _mm256_castsi256_si128(v));
+    _mm_storeu_si128(q + Channels, _mm256_extracti128_si256(v, 1));
+#else
+    _mm_storeu_si128(q, v);
+#endif
+}
+
+[[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
+    const U16 v0 = (U16)load_lanes<2>(p, 0), v1 = (U16)load_lanes<2>(p, 1);
+    a = (U8)QORV_MM(packus_epi16)((Register)(v0 & 0xFF), (Register)(v1 & 0xFF));
+    b = (U8)QORV_MM(packus_epi16)((Register)(v0 >> 8), (Register)(v1 >> 8));
+}
+
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
+    store_lanes<2>(p, 0, QORV_MM(unpacklo_epi8)((Register)a, (Register)b));
+    store_lanes<2>(p, 1, QORV_MM(unpackhi_epi8)((Register)a, (Register)b));
+}
+
+// Three channels. Byte i of the j-th 16 bytes belongs to channel (i + j) % 3, for 16 % 3 is 1. Of each channel exactly
+// one pixel is due at each i over the three registers: pixel 11 (i - c) mod 16, as 11 x 3 = 1 mod 16. So one shuffle a
+// channel puts every byte at its place, and selects by i % 3 make the registers.
+struct ThreeChannels {
+    // All ones where i % 3 is `remainder`.
+    template <int Remainder>
+    [[gnu::always_inline]] static Register where() {
+        return bytes([](int i) { return i % 3 == Remainder ? -1 : 0; });
+    }
+    template <int Channel>
+    [[gnu::always_inline]] static Register to_place() {
+        return bytes([](int i) { return 11 * (i - Channel + 16) % 16; });
+    }
+    template <int Channel>
+    [[gnu::always_inline]] static Register from_place() {
+        return bytes([](int i) { return (3 * i + Channel) % 16; });
+    }
+    // Bytes of a where i % 3 is 0, of b where it is 1, of c where it is 2.
+    [[gnu::always_inline]] static Register select(Register a, Register b, Register c) {
+        return QORV_MM(blendv_epi8)(QORV_MM(blendv_epi8)(a, b, where<1>()), c, where<2>());
+    }
+
+private:
+    template <class F>
+    [[gnu::always_inline]] static Register bytes(F f) {
+        return every_lane(_mm_setr_epi8(
+            static_cast<char>(f(0)), static_cast<char>(f(1)), static_cast<char>(f(2)), static_cast<char>(f(3)),
+            static_cast<char>(f(4)), static_cast<char>(f(5)), static_cast<char>(f(6)), static_cast<char>(f(7)),
+            static_cast<char>(f(8)), static_cast<char>(f(9)), static_cast<char>(f(10)), static_cast<char>(f(11)),
+            static_cast<char>(f(12)), static_cast<char>(f(13)), static_cast<char>(f(14)), static_cast<char>(f(15))));
+    }
+};
+
+[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
+    using Three = ThreeChannels;
+    const Register v0 = load_lanes<3>(p, 0), v1 = load_lanes<3>(p, 1), v2 = load_lanes<3>(p, 2);
+    a = (U8)QORV_MM(shuffle_epi8)(Three::select(v0, v2, v1), Three::from_place<0>());
+    b = (U8)QORV_MM(shuffle_epi8)(Three::select(v1, v0, v2), Three::from_place<1>());
+    c = (U8)QORV_MM(shuffle_epi8)(Three::select(v2, v1, v0), Three::from_place<2>());
+}
+
+[[gnu::always_inline]] inline void store_interleaved3(uint8_t *p, U8 a, U8 b, U8 c) {
+    using Three = ThreeChannels;
+    const Register sa = QORV_MM(shuffle_epi8)((Register)a, Three::to_place<0>());
+    const Register sb = QORV_MM(shuffle_epi8)((Register)b, Three::to_place<1>());
+    const Register sc = QORV_MM(shuffle_epi8)((Register)c, Three::to_place<2>());
+    store_lanes<3>(p, 0, Three::select(sa, sb, sc));
+    store_lanes<3>(p, 1, Three::select(sb, sc, sa));
+    store_lanes<3>(p, 2, Three::select(sc, sa, sb));
+}
+
+// Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix
+// of those lanes is transposed.
+[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
+    const Register gather = every_lane(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    const Register v0 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 0), gather);
+    const Register v1 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 1), gather);
+    const Register v2 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 2), gather);
+    const Register v3 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 3), gather);
+    const Register ab01 = QORV_MM(unpacklo_epi32)(v0, v1), cd01 = QORV_MM(unpackhi_epi32)(v0, v1);
+    const Register ab23 = QORV_MM(unpacklo_epi32)(v2, v3), cd23 = QORV_MM(unpackhi_epi32)(v2, v3);
+    a = (U8)QORV_MM(unpacklo_epi64)(ab01, ab23);
+    b = (U8)QORV_MM(unpackhi_epi64)(ab01, ab23);
+    c = (U8)QORV_MM(unpacklo_epi64)(cd01, cd23);
+    d = (U8)QORV_MM(unpackhi_epi64)(cd01, cd23);
+}
+
+[[gnu::always_inline]] inline void store_interleaved4(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
+    const Register ab_lo = QORV_MM(unpacklo_epi8)((Register)a, (Register)b);
+    const Register ab_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
+    const Register cd_lo = QORV_MM(unpacklo_epi8)((Register)c, (Register)d);
+    const Register cd_hi = QORV_MM(unpackhi_epi8)((Register)c, (Register)d);
+    store_lanes<4>(p, 0, QORV_MM(unpacklo_epi16)(ab_lo, cd_lo));
+    store_lanes<4>(p, 1, QORV_MM(unpackhi_epi16)(ab_lo, cd_lo));
+    store_lanes<4>(p, 2, QORV_MM(unpacklo_epi16)(ab_hi, cd_hi));
+    store_lanes<4>(p, 3, QORV_MM(unpackhi_epi16)(ab_hi, cd_hi));
+}
+
+// ---- End of colour conversion ----
 
 }  // namespace qorv::QORV_ISA
 

@@ -1,12 +1,23 @@
-// The converters of one instruction set.
+// The conversion kernels of one instruction set.
 #pragma once
 
-#include "qorv_skia.h"
+#include <stddef.h>
+#include <stdint.h>
+
+#include "csc/converter_list.h"
 
 namespace qorv {
 
+// Converts `h` rows of `w` pixels, w >= CscKernels::block. Interleaved channels are in canonical arrangement, scattered
+// ones packed, no destination overlaps anything: the driver sees to that. Strides are in bytes.
+using CscKernel = void (*)(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst,
+                           const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
+
 struct CscKernels {
-    qorv_csc_fn none;
+    ptrdiff_t block;  // pixels that a kernel converts at a time
+#define QORV_KERNEL_MEMBER(name, source, colour, dest) CscKernel name;
+    QORV_CSC_CONVERTERS(QORV_KERNEL_MEMBER)
+#undef QORV_KERNEL_MEMBER
 };
 
 }  // namespace qorv

@@ -340,6 +340,232 @@ typedef void (*qorv_csc_fn)(const void *const *src, int32_t src_w, int32_t src_h
                             uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h, const int32_t *dst_stride,
                             int32_t dst_cs);
 
+/**
+ * Converters to RGB layouts by [0: equal sizes, 1: differing sizes][source][destination]; null where there is none.
+ * Sources: 0 R8G8B8, 1 R8G8B8A8, 2 YUV444, 3 YUVA444, 4 P410, 5 R10G10B10. Destinations: 0 RGB888, 1 RGBA8888, 2 RGB565,
+ * 3 RGBA5658, 4 RGB565A8, 5 ARGB8888, 6 BGRA8888, 7 BGR888 (empty), 8 R8G8B8, 9 none (empty), 10 R10G10B10.
+ * Two cells surprise: R8G8B8A8 to RGBA5658 holds qorv_csc_r8g8b8a8_to_rgba8888(), and R10G10B10 to R10G10B10 holds
+ * qorv_csc_r10g10b10_to_p410().
+ */
+extern QORV_API const qorv_csc_fn qorv_tbl_fn_csc_to_rgb[2][6][11];
+
+/**
+ * Converters to planar YUV by [0: equal sizes, 1: differing sizes (empty)][source][destination]; null where there is
+ * none. Sources: 0 R8G8B8, 1 R8G8B8A8 (never found by the lookup), 2 YUV444, 3 YUVA444, 4 RGB565, 5 R10G10B10, 6 RGB888,
+ * 7 RGBA8888. Destinations: 0 YUV444, 1 YUVA444, 2 P410.
+ */
+extern QORV_API const qorv_csc_fn qorv_tbl_fn_csc_to_yuvplanar[2][8][3];
+
+/**
+ * Finds the converter between two colour spaces.
+ * @param src_w   source width; the sizes are only compared.
+ * @param src_h   source height.
+ * @param src_cs  source colour space, QORV_CS_*.
+ * @param dst_w   destination width. Where it or the height differs from the source's, a scaling converter is wanted.
+ * @param dst_h   destination height.
+ * @param dst_cs  destination colour space: 200 to 799 looks in #qorv_tbl_fn_csc_to_rgb, 10 to 99 in
+ *                #qorv_tbl_fn_csc_to_yuvplanar.
+ * @param err     null, or receives #QORV_ERR_UNSUPPORTED_CS on failure; left as it was on success.
+ * @return the converter, or null when there is none for the pair.
+ */
+QORV_API qorv_csc_fn qorv_imgp_get_fn_csc(int32_t src_w, int32_t src_h, int32_t src_cs, int32_t dst_w, int32_t dst_h,
+                                          int32_t dst_cs, int32_t *err);
+
+/** @name YUV to RGB
+ *  Full-range ITU-R BT.601 in units of 1/256, with u = U - 128, v = V - 128 and arithmetic shifts:
+ *  R = Y + ((359 v + 128) >> 8), G = Y - ((183 v + 88 u + 128) >> 8), B = Y + ((454 u + 128) >> 8), each clamped to
+ *  0..255. A 5-6-5 word is made of the high bits of the three, without rounding.
+ *  @{ */
+/** Planes Y, U, V to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_rgb888(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel. Alpha is 255.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Planes Y, U, V to interleaved bytes without blue. Writes red through dst[1], green through dst[2] and 255 through
+ *  dst[3], 4 bytes a pixel. There is no blue; dst[0] and its stride are not read, and the byte below is left as it was.
+ *  For a picture with all four channels use the source with alpha, qorv_csc_yuv444a8_to_argb8888().
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel. Alpha is 255.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V to a plane of 5-6-5 words in dst[0]. Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_rgb565(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V to a plane of 5-6-5 words in dst[0] and a plane of alpha bytes, 255, in dst[1].
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_rgb565a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V to planes R, G, B. Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444_to_r8g8b8(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V, A to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444a8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V, A to interleaved bytes; dst: A, R, G, B channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444a8_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V, A to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444a8_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V, A to a plane of 5-6-5 words in dst[0] and a plane of alpha bytes in dst[1].
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444a8_to_rgb565a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Planes Y, U, V, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three bytes
+ *  apart. The bytes between the alpha bytes are left as they were.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** @} */
+
+/** @name RGB to YUV
+ *  Full-range ITU-R BT.601 in units of 1/256, arithmetic shifts: Y = (77 R + 150 G + 29 B + 128) >> 8,
+ *  U = ((-43 R - 85 G + 128 B + 128) >> 8) + 128, V = ((128 R - 107 G - 21 B + 128) >> 8) + 128. Pure blue (U) and pure
+ *  red (V), which would give 256, give 255. Alpha is copied.
+ *  @{ */
+/** Planes R, G, B to planes Y, U, V. Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8_to_yuv444(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/** Interleaved bytes to planes Y, U, V; src: R, G, B channel pointers, 3 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_rgb888_to_yuv444(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  A plane of 5-6-5 words to planes Y, U, V. The words are widened with zero low bits: R = (p >> 8) & 0xF8,
+ *  G = (p >> 3) & 0xFC, B = (p & 31) << 3, so white is (248, 252, 248).
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_rgb565_to_yuv444(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/** Interleaved bytes to planes Y, U, V, A; src: R, G, B, A channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_rgba8888_to_yuv444a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B, A to planes Y, U, V, A. Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8a8_to_yuv444a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** @} */
+
+/** @name RGB repacking
+ *  No arithmetic: bytes are reordered, or packed to 5-6-5 words by dropping the low bits of each channel.
+ *  @{ */
+/** Planes R, G, B to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8_to_rgb888(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel. Alpha is 255.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B to interleaved bytes; dst: A, R, G, B channel pointers, 4 bytes a pixel. Alpha is 255.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel. Alpha is 255.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B to a plane of 5-6-5 words in dst[0]. Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8_to_rgb565(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                        uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                        const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Three planes, whatever they mean, to the top, middle and bottom field of 5-6-5 words in dst[0], and a plane of alpha
+ *  bytes, 255, in dst[1].
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_x8y8z8_to_xyz565a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B, A to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8a8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B, A to interleaved bytes; dst: A, R, G, B channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8a8_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B, A to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8a8_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Planes R, G, B, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three bytes
+ *  apart. The bytes between the alpha bytes are left as they were. In no table.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r8g8b8a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Three planes to 5-6-5 words in dst[0] as qorv_csc_x8y8z8_to_xyz565a8(), and plane src[3] to the alpha bytes of
+ *  dst[1].
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_x8y8z8a8_to_xyz565a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** @} */
+
 /** @} */
 
 /** @defgroup irsz Resizer

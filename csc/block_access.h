@@ -1,0 +1,101 @@
+// Reading and writing one block of pixels in each layout. Kernel sources only.
+#pragma once
+
+#include "csc/colours.h"
+#include "csc/layouts.h"
+
+namespace qorv::QORV_ISA {
+
+constexpr ptrdiff_t kBlock = kVectorBytes;  // pixels: one vector of bytes a channel
+constexpr uint8_t kOpaque = 255;
+
+// Access<Layout>::load and ::store handle the block at pixel x of the rows that `p` points to. Sources without alpha
+// give opaque pixels.
+template <class Layout>
+struct Access;
+
+template <int Channels>
+struct PlanarAccess {
+    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
+        Pixels block = {};
+        for (int i = 0; i < Channels; i++) block.c[i] = qorv::QORV_ISA::load<U8>(p[i] + x);
+        if (Channels == 3) block.c[3] = splat<U8>(kOpaque);
+        return block;
+    }
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        for (int i = 0; i < Channels; i++) qorv::QORV_ISA::store(p[i] + x, block.c[i]);
+    }
+};
+template <>
+struct Access<Planar3> : PlanarAccess<3> {};
+template <>
+struct Access<Planar4> : PlanarAccess<4> {};
+
+template <>
+struct Access<Rgb888> {
+    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
+        Pixels block = {};
+        load_interleaved3(p[0] + 3 * x, block.c[0], block.c[1], block.c[2]);
+        block.c[3] = splat<U8>(kOpaque);
+        return block;
+    }
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        store_interleaved3(p[0] + 3 * x, block.c[0], block.c[1], block.c[2]);
+    }
+};
+
+// The byte at place k of a pixel is channel `First`, `Second`, ...
+template <int First, int Second, int Third, int Fourth>
+struct Interleaved4Access {
+    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
+        Pixels block = {};
+        load_interleaved4(p[0] + 4 * x, block.c[First], block.c[Second], block.c[Third], block.c[Fourth]);
+        return block;
+    }
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        store_interleaved4(p[0] + 4 * x, block.c[First], block.c[Second], block.c[Third], block.c[Fourth]);
+    }
+};
+template <>
+struct Access<Rgba8888> : Interleaved4Access<0, 1, 2, 3> {};
+template <>
+struct Access<Bgra8888> : Interleaved4Access<2, 1, 0, 3> {};
+template <>
+struct Access<Argb8888> : Interleaved4Access<3, 0, 1, 2> {};
+
+template <>
+struct Access<ArgbWithoutBlue> {
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        qorv::QORV_ISA::store(p[1] + x, block.c[0]);
+        qorv::QORV_ISA::store(p[2] + x, block.c[1]);
+        qorv::QORV_ISA::store(p[3] + x, splat<U8>(kOpaque));
+    }
+};
+
+// A 5-6-5 word is its low byte GGGBBBBB and its high byte RRRRRGGG; low bits are dropped on the way in and zero on the
+// way out.
+template <>
+struct Access<Rgb565> {
+    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
+        U8 low = {}, high = {};
+        load_interleaved2(p[0] + 2 * x, low, high);
+        return {{high & 0xF8, (high << 5) | ((low >> 3) & 0x1C), low << 3, splat<U8>(kOpaque)}};
+    }
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        const U8 low = ((block.c[1] << 3) & 0xE0) | (block.c[2] >> 3);
+        const U8 high = (block.c[0] & 0xF8) | (block.c[1] >> 5);
+        store_interleaved2(p[0] + 2 * x, low, high);
+    }
+};
+
+template <>
+struct Access<Rgb565A8> {
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        Access<Rgb565>::store(p, x, block);
+        qorv::QORV_ISA::store(p[1] + x, block.c[3]);
+    }
+};
+template <>
+struct Access<Rgba5658> : Access<Rgb565A8> {};
+
+}  // namespace qorv::QORV_ISA

@@ -1,0 +1,72 @@
+// Where a pixel's samples lie: the layouts that converters read and write.
+#pragma once
+
+#include <stdint.h>
+
+namespace qorv {
+
+constexpr int kMaxChannels = 4;
+
+// One pointer of a layout: `bytes` of every pixel, `step` bytes apart.
+struct Channel {
+    uint8_t bytes, step;
+};
+
+enum class Arrangement : uint8_t {
+    kPlanar,       // each pointer its own plane; kernels work on them wherever they lie
+    kInterleaved,  // kernels need pointer k = pointer 0 + k and equal strides; anything else is staged
+    kScattered,    // bytes between the samples must not be touched: kernels write packed planes, which are then spread
+};
+
+struct Layout {
+    Arrangement arrangement;
+    uint8_t first;  // pointers below this one are neither read nor written
+    uint8_t count;  // pointers, those below `first` included
+    Channel channels[kMaxChannels];
+
+    // Bytes between samples as a kernel sees them.
+    constexpr int kernel_step(int channel) const {
+        const Channel c = channels[channel];
+        return arrangement == Arrangement::kScattered ? c.bytes : c.step;
+    }
+    // Bytes between rows: a plane of words advances by whole words.
+    constexpr int64_t row_bytes(int channel, int32_t stride) const {
+        return channels[channel].bytes == 2 ? stride & ~int64_t{1} : stride;
+    }
+};
+
+// Layouts by name. Orders are those of the pointers in memory.
+struct Planar3 {
+    static constexpr Layout layout{Arrangement::kPlanar, 0, 3, {{1, 1}, {1, 1}, {1, 1}, {}}};
+};
+struct Planar4 {
+    static constexpr Layout layout{Arrangement::kPlanar, 0, 4, {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};
+};
+struct Rgb888 {
+    static constexpr Layout layout{Arrangement::kInterleaved, 0, 3, {{1, 3}, {1, 3}, {1, 3}, {}}};
+};
+struct Rgba8888 {
+    static constexpr Layout layout{Arrangement::kInterleaved, 0, 4, {{1, 4}, {1, 4}, {1, 4}, {1, 4}}};
+};
+struct Bgra8888 {
+    static constexpr Layout layout = Rgba8888::layout;
+};
+struct Argb8888 {
+    static constexpr Layout layout = Rgba8888::layout;
+};
+// Red, green and alpha through pointers 1 to 3; there is no blue and pointer 0 is left alone.
+struct ArgbWithoutBlue {
+    static constexpr Layout layout{Arrangement::kScattered, 1, 4, {{}, {1, 4}, {1, 4}, {1, 4}}};
+};
+struct Rgb565 {
+    static constexpr Layout layout{Arrangement::kPlanar, 0, 1, {{2, 2}, {}, {}, {}}};
+};
+struct Rgb565A8 {
+    static constexpr Layout layout{Arrangement::kPlanar, 0, 2, {{2, 2}, {1, 1}, {}, {}}};
+};
+// Words as a packed array, alpha bytes three bytes apart.
+struct Rgba5658 {
+    static constexpr Layout layout{Arrangement::kScattered, 0, 2, {{2, 2}, {1, 3}, {}, {}}};
+};
+
+}  // namespace qorv
