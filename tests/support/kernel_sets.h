@@ -26,4 +26,4 @@ private:
 
 #define INSTANTIATE_FOR_KERNEL_SETS(fixture)                                                                    \
     INSTANTIATE_TEST_SUITE_P(Kernels, fixture, ::testing::ValuesIn(test::runnable_kernel_sets()), \
-                             [](const auto &info) { return std::string(info.param.name); })
+                             [](const auto &set) { return std::string(set.param.name); })
