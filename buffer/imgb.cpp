@@ -71,8 +71,8 @@ void place_planes(QORV_IMGB &imgb, const Planes &planes, const uint32_t *pad, vo
                      static_cast<ptrdiff_t>(vertical(pad[i])) * imgb.s[i];
         }
         imgb.a[i] = address + inside;
-        // An auxiliary address of 0 means none, so only a plane that has one is moved into its padding. With a base of 0
-        // that leaves plane 0 alone, since the later planes run at their offsets.
+        // An auxiliary address of 0 means none, so only a plane that has one is moved into its padding. With a base of
+        // 0 that leaves plane 0 alone, since the later planes run at their offsets.
         imgb.pa[i] = aux != 0 ? aux + static_cast<uint64_t>(inside) : aux;
         const ptrdiff_t bytes = static_cast<ptrdiff_t>(imgb.e[i]) * imgb.s[i];
         address += bytes;
@@ -217,8 +217,8 @@ extern "C" int32_t qorv_imgb_option(QORV_IMGB *imgb, uint32_t opt, uint32_t plan
             }
         } else if (is_packed_rgb_family(imgb->cs)) {
             // The bottom rows lose "aligned width" bytes, not pixels: callers rely on the rest being left alone.
-            clear_alignment(*imgb, 0, static_cast<uint32_t>(imgb->w), static_cast<uint32_t>(imgb->h),
-                            aligned_widths[0], aligned_heights[0], units[0], aligned_widths[0]);
+            clear_alignment(*imgb, 0, static_cast<uint32_t>(imgb->w), static_cast<uint32_t>(imgb->h), aligned_widths[0],
+                            aligned_heights[0], units[0], aligned_widths[0]);
         } else {
             return QORV_ERR_UNSUPPORTED_CS;
         }

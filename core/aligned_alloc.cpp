@@ -11,7 +11,8 @@ constexpr uintptr_t kAlignment = 32;
 constexpr int64_t kOverhead = 40;
 
 void *allocate(int32_t size) {
-    // A size of -40 to -1 asks the system for a tiny block; any other negative one wraps to a request that cannot be met.
+    // A size of -40 to -1 asks the system for a tiny block; any other negative one wraps to a request that cannot be
+    // met.
     void *raw = malloc(static_cast<size_t>(static_cast<int64_t>(size) + kOverhead));
     if (raw == nullptr) return nullptr;
     const uintptr_t address = (reinterpret_cast<uintptr_t>(raw) + kOverhead - 1) & ~(kAlignment - 1);

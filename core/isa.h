@@ -1,5 +1,6 @@
-// Which kernel set runs. The kernel sources are compiled once for every instruction set, each time inside a namespace of
-// its own (v2, v3, neon, plain) so that no inline function built for one set can be picked by the linker for another.
+// Which kernel set runs. The kernel sources are compiled once for every instruction set, each time inside a namespace
+// of its own (v2, v3, neon, plain) so that no inline function built for one set can be picked by the linker for
+// another.
 #pragma once
 
 // Reached without the global offset table: never looked up by name in another object.
@@ -21,8 +22,10 @@ struct KernelSet {
     namespace isa {                                    \
     extern QORV_INTERNAL const CscKernels csc_kernels; \
     }
-#define QORV_KERNEL_SET(isa) \
-    ::qorv::KernelSet { #isa, &::qorv::isa::csc_kernels }
+#define QORV_KERNEL_SET(isa)            \
+    ::qorv::KernelSet {                 \
+#isa, &::qorv::isa::csc_kernels \
+    }
 
 QORV_DECLARE_KERNELS(v2)
 QORV_DECLARE_KERNELS(v3)

@@ -1,8 +1,9 @@
-// Vector primitives. A kernel is written once over the types below: arithmetic, comparison and shifts are the compiler's
-// vector extensions, everything that they do badly is a primitive with one version per architecture. Kernel sources
-// alone include this header: all of it lives in the namespace of the instruction set that is being compiled.
+// Vector primitives. A kernel is written once over the types below: arithmetic, comparison and shifts are the
+// compiler's vector extensions, everything that they do badly is a primitive with one version per architecture. Kernel
+// sources alone include this header: all of it lives in the namespace of the instruction set that is being compiled.
 //
-// Shuffles work within 128-bit lanes on every architecture, so a kernel is written for lanes and for any number of them.
+// Shuffles work within 128-bit lanes on every architecture, so a kernel is written for lanes and for any number of
+// them.
 #pragma once
 
 #include <stddef.h>
@@ -95,11 +96,37 @@ template <int Bits>
     return {(I16)((U16)a.lo >> Bits), (I16)((U16)a.hi >> Bits)};
 }
 
+// The same for the 32-bit lanes that come from one vector of words.
+struct Wide32 {
+    I32 lo, hi;
+};
+
+[[gnu::always_inline]] inline Wide32 operator+(Wide32 a, Wide32 b) {
+    return {a.lo + b.lo, a.hi + b.hi};
+}
+
+[[gnu::always_inline]] inline Wide32 operator+(Wide32 a, int b) {
+    return {a.lo + b, a.hi + b};
+}
+
+template <int Bits>
+[[gnu::always_inline]] inline Wide32 shift(Wide32 a) {  // arithmetic
+    return {a.lo >> Bits, a.hi >> Bits};
+}
+
+// A word less 32768, as a signed number.
+[[gnu::always_inline]] inline I16 signed_words(U16 v) {
+    return (I16)(v ^ 0x8000);
+}
+
 // Below, for each architecture:
 //   weighted<A, B>(a, b)     A a + B b for bytes a, b; A, B in -128..127, every partial sum within 16 bits signed
+//   weighted<A, B>(a, b)     the same for signed words, sums in 32 bits
 //   add_saturated(a, n)      signed saturation
-//   narrow(a)                to bytes, clamped to 0..255
+//   narrow(a)                to bytes, clamped to 0..255; to words, clamped to 0..65535
 //   narrow_signed(a)         to bytes, clamped to -128..127
+//   min(a, b)                of unsigned words
+//   load_words(p)            words in the order that narrow() undoes
 //   load_interleaved2..4, store_interleaved2..4    n channels of a block, sample by sample in memory
 
 // ---- End of colour conversion ----

@@ -45,6 +45,29 @@ template <int A, int B>
     return (U8)vqmovn_high_s16(vqmovn_s16((int16x8_t)a.lo), (int16x8_t)a.hi);
 }
 
+template <int A, int B>
+[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
+    const int16x8_t va = (int16x8_t)a, vb = (int16x8_t)b;
+    int32x4_t lo = vmull_n_s16(vget_low_s16(va), A), hi = vmull_high_n_s16(va, A);
+    if constexpr (B != 0) {
+        lo = vmlal_n_s16(lo, vget_low_s16(vb), B);
+        hi = vmlal_high_n_s16(hi, vb, B);
+    }
+    return {(I32)lo, (I32)hi};
+}
+
+[[gnu::always_inline]] inline U16 narrow(Wide32 a) {
+    return (U16)vqmovun_high_s32(vqmovun_s32((int32x4_t)a.lo), (int32x4_t)a.hi);
+}
+
+[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
+    return (U16)vminq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
+    return {load<I16>(p), load<I16>(p + sizeof(I16))};
+}
+
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
     const uint8x16x2_t v = vld2q_u8(p);
     a = (U8)v.val[0];

@@ -48,6 +48,35 @@ template <int Low, int High>
     return narrow_to_range<-128, 127>(a);
 }
 
+template <int A, int B>
+[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
+    Wide32 sum = {};
+    for (int i = 0; i < kVectorBytes / 4; i++) {
+        sum.lo[i] = A * a[i] + B * b[i];
+        sum.hi[i] = A * a[i + kVectorBytes / 4] + B * b[i + kVectorBytes / 4];
+    }
+    return sum;
+}
+
+[[gnu::always_inline]] inline U16 narrow(Wide32 a) {
+    const auto clamped = [](int x) { return static_cast<uint16_t>(x < 0 ? 0 : x > UINT16_MAX ? UINT16_MAX : x); };
+    U16 v = {};
+    for (int i = 0; i < kVectorBytes / 4; i++) {
+        v[i] = clamped(a.lo[i]);
+        v[i + kVectorBytes / 4] = clamped(a.hi[i]);
+    }
+    return v;
+}
+
+[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
+    for (int i = 0; i < kVectorBytes / 2; i++) a[i] = a[i] < b[i] ? a[i] : b[i];
+    return a;
+}
+
+[[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
+    return {load<I16>(p), load<I16>(p + sizeof(I16))};
+}
+
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
     for (int i = 0; i < kVectorBytes; i++, p += 2) a[i] = p[0], b[i] = p[1];
 }

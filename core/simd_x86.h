@@ -49,6 +49,21 @@ template <int A, int B>
     return (U8)QORV_MM(packs_epi16)((Register)a.lo, (Register)a.hi);
 }
 
+template <int A, int B>
+[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
+    const Register weights = QORV_MM(set1_epi32)(B * 65536 + (A & 0xFFFF));
+    return {(I32)QORV_MM(madd_epi16)(QORV_MM(unpacklo_epi16)((Register)a, (Register)b), weights),
+            (I32)QORV_MM(madd_epi16)(QORV_MM(unpackhi_epi16)((Register)a, (Register)b), weights)};
+}
+
+[[gnu::always_inline]] inline U16 narrow(Wide32 a) {
+    return (U16)QORV_MM(packus_epi32)((Register)a.lo, (Register)a.hi);
+}
+
+[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
+    return (U16)QORV_MM(min_epu16)((Register)a, (Register)b);
+}
+
 // The `index`-th 16 bytes of `Channels` interleaved channels, and in the second lane those of the next 16 pixels.
 template <int Channels>
 [[gnu::always_inline]] inline Register load_lanes(const uint8_t *p, int index) {
@@ -69,6 +84,10 @@ template <int Channels>
 #else
     _mm_storeu_si128(q, v);
 #endif
+}
+
+[[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
+    return {(I16)load_lanes<2>(p, 0), (I16)load_lanes<2>(p, 1)};
 }
 
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {

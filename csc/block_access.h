@@ -6,16 +6,19 @@
 
 namespace qorv::QORV_ISA {
 
-constexpr ptrdiff_t kBlock = kVectorBytes;  // pixels: one vector of bytes a channel
 constexpr uint8_t kOpaque = 255;
 
-// Access<Layout>::load and ::store handle the block at pixel x of the rows that `p` points to. Sources without alpha
-// give opaque pixels.
+// Access<Layout>::load and ::store handle the block of kBlock pixels at pixel x of the rows that `p` points to. Sources
+// without alpha give opaque pixels.
 template <class Layout>
 struct Access;
 
+struct ByteBlock {
+    static constexpr ptrdiff_t kBlock = kVectorBytes;  // one vector of bytes a channel
+};
+
 template <int Channels>
-struct PlanarAccess {
+struct PlanarAccess : ByteBlock {
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         Pixels block = {};
         for (int i = 0; i < Channels; i++) block.c[i] = qorv::QORV_ISA::load<U8>(p[i] + x);
@@ -30,9 +33,11 @@ template <>
 struct Access<Planar3> : PlanarAccess<3> {};
 template <>
 struct Access<Planar4> : PlanarAccess<4> {};
+template <>
+struct Access<BytePlane> : PlanarAccess<1> {};
 
 template <>
-struct Access<Rgb888> {
+struct Access<Rgb888> : ByteBlock {
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         Pixels block = {};
         load_interleaved3(p[0] + 3 * x, block.c[0], block.c[1], block.c[2]);
@@ -46,7 +51,7 @@ struct Access<Rgb888> {
 
 // The byte at place k of a pixel is channel `First`, `Second`, ...
 template <int First, int Second, int Third, int Fourth>
-struct Interleaved4Access {
+struct Interleaved4Access : ByteBlock {
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         Pixels block = {};
         load_interleaved4(p[0] + 4 * x, block.c[First], block.c[Second], block.c[Third], block.c[Fourth]);
@@ -75,7 +80,7 @@ struct Access<ArgbWithoutBlue> {
 // A 5-6-5 word is its low byte GGGBBBBB and its high byte RRRRRGGG; low bits are dropped on the way in and zero on the
 // way out.
 template <>
-struct Access<Rgb565> {
+struct Access<Rgb565> : ByteBlock {
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         U8 low = {}, high = {};
         load_interleaved2(p[0] + 2 * x, low, high);
@@ -97,5 +102,23 @@ struct Access<Rgb565A8> {
 };
 template <>
 struct Access<Rgba5658> : Access<Rgb565A8> {};
+
+template <>
+struct Access<Planar3x10> {
+    static constexpr ptrdiff_t kBlock = kVectorBytes / 2;
+    [[gnu::always_inline]] static DeepPixels load(const uint8_t *const *p, ptrdiff_t x) {
+        DeepPixels block;
+        for (int i = 0; i < 3; i++) block.c[i] = qorv::QORV_ISA::load<U16>(p[i] + 2 * x);
+        return block;
+    }
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const DeepPixels &block) {
+        for (int i = 0; i < 3; i++) qorv::QORV_ISA::store(p[i] + 2 * x, block.c[i]);
+    }
+};
+
+template <>
+struct Access<WordPlane> : ByteBlock {
+    [[gnu::always_inline]] static Wide load(const uint8_t *const *p, ptrdiff_t x) { return load_words(p[0] + 2 * x); }
+};
 
 }  // namespace qorv::QORV_ISA

@@ -3,13 +3,14 @@
 #include "csc/driver.h"
 #include "qorv_skia.h"
 
-#define QORV_CONVERTER(name, source, colour, dest)                                                                     \
-    extern "C" void qorv_csc_##name(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,   \
-                                    uint64_t, void *const *dst, int32_t, int32_t, const int32_t *dst_stride, int32_t) { \
-        if (src_h < 1) return;                                                                                         \
-        qorv::convert_picture(qorv::source_picture(qorv::source::layout, src, src_stride),                             \
-                              qorv::dest_picture(qorv::dest::layout, dst, dst_stride), qorv::active.csc->name, src_w,  \
-                              src_h);                                                                                  \
+#define QORV_CONVERTER(name, source, colour, dest)                                                                    \
+    extern "C" void qorv_csc_##name(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,  \
+                                    uint64_t, void *const *dst, int32_t, int32_t, const int32_t *dst_stride,          \
+                                    int32_t) {                                                                        \
+        if (src_h < 1) return;                                                                                        \
+        qorv::convert_picture(qorv::source_picture(qorv::source::layout, src, src_stride),                            \
+                              qorv::dest_picture(qorv::dest::layout, dst, dst_stride), qorv::active.csc->name, src_w, \
+                              src_h);                                                                                 \
     }
 QORV_CSC_CONVERTERS(QORV_CONVERTER)
 #undef QORV_CONVERTER

@@ -11,6 +11,7 @@ template <class Source, class Colour, class Dest>
 void convert(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst, const ptrdiff_t *dst_stride,
              ptrdiff_t w, ptrdiff_t h) {
     constexpr Layout in = Source::layout, out = Dest::layout;
+    constexpr ptrdiff_t kBlock = Access<Source>::kBlock;
     const uint8_t *s[kMaxChannels] = {};
     uint8_t *d[kMaxChannels] = {};
     for (int i = in.first; i < in.count; i++) s[i] = src[i];
@@ -32,10 +33,11 @@ void convert(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *co
 }  // namespace
 
 constinit const CscKernels csc_kernels = {
-    .block = kBlock,
+    .block = kVectorBytes,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
 #undef QORV_KERNEL_ENTRY
+        .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 };
 
 }  // namespace qorv::QORV_ISA

@@ -8,10 +8,10 @@ namespace qorv {
 
 namespace {
 
-// Pixels staged at a time. A multiple of every kernel's block; 2 x 1.5 KiB of stack.
+// Pixels staged at a time: a multiple of every kernel's block.
 constexpr ptrdiff_t kStrip = 256;
-// What a staged strip needs: at most four bytes a pixel, or two planes of words and bytes.
-constexpr size_t kStageBytes = 4 * kStrip;
+// The widest layout is three planes of words. There are two stages, so a call takes 3 KiB of stack for them.
+constexpr size_t kStageBytes = 3 * 2 * kStrip;
 
 template <class Byte>
 bool canonical(const Picture<Byte> &picture) {

@@ -19,8 +19,8 @@ using DestPicture = Picture<uint8_t>;
 SourcePicture source_picture(const Layout &layout, const void *const *src, const int32_t *stride);
 DestPicture dest_picture(const Layout &layout, void *const *dst, const int32_t *stride);
 
-// Converts w x h pixels, any w and h, with the outcome of the per-pixel loop: rows from the first, pixels from the left,
-// all samples of a pixel read before its first is written, in the order of the pointers.
+// Converts w x h pixels, any w and h, with the outcome of the per-pixel loop: rows from the first, pixels from the
+// left, all samples of a pixel read before its first is written, in the order of the pointers.
 void convert_picture(const SourcePicture &src, const DestPicture &dst, CscKernel kernel, int32_t w, int32_t h);
 
 }  // namespace qorv

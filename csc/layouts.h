@@ -23,15 +23,18 @@ struct Layout {
     uint8_t first;  // pointers below this one are neither read nor written
     uint8_t count;  // pointers, those below `first` included
     Channel channels[kMaxChannels];
+    bool stride_in_samples = false;
 
     // Bytes between samples as a kernel sees them.
     constexpr int kernel_step(int channel) const {
         const Channel c = channels[channel];
         return arrangement == Arrangement::kScattered ? c.bytes : c.step;
     }
-    // Bytes between rows: a plane of words advances by whole words.
+    // Bytes between rows: a plane of words whose stride is in bytes advances by whole words.
     constexpr int64_t row_bytes(int channel, int32_t stride) const {
-        return channels[channel].bytes == 2 ? stride & ~int64_t{1} : stride;
+        const int bytes = channels[channel].bytes;
+        if (stride_in_samples) return int64_t{stride} * bytes;
+        return bytes == 2 ? stride & ~int64_t{1} : stride;
     }
 };
 
@@ -67,6 +70,17 @@ struct Rgb565A8 {
 // Words as a packed array, alpha bytes three bytes apart.
 struct Rgba5658 {
     static constexpr Layout layout{Arrangement::kScattered, 0, 2, {{2, 2}, {1, 3}, {}, {}}};
+};
+// Three planes of 10-bit samples in words.
+struct Planar3x10 {
+    static constexpr Layout layout{Arrangement::kPlanar, 0, 3, {{2, 2}, {2, 2}, {2, 2}, {}}, true};
+};
+// One plane of words, and one of bytes.
+struct WordPlane {
+    static constexpr Layout layout = Rgb565::layout;
+};
+struct BytePlane {
+    static constexpr Layout layout{Arrangement::kPlanar, 0, 1, {{1, 1}, {}, {}, {}}};
 };
 
 }  // namespace qorv

@@ -7,15 +7,18 @@ extern "C" const qorv_csc_fn qorv_tbl_fn_csc_to_rgb[2][6][11] = {
         {qorv_csc_r8g8b8_to_rgb888, qorv_csc_r8g8b8_to_rgba8888, qorv_csc_r8g8b8_to_rgb565, nullptr,
          qorv_csc_x8y8z8_to_xyz565a8, qorv_csc_r8g8b8_to_argb8888, qorv_csc_r8g8b8_to_bgra8888},
         // The cell of RGBA5658 holds the RGBA8888 copier: clients depend on it.
-        {nullptr, qorv_csc_r8g8b8a8_to_rgba8888, nullptr, qorv_csc_r8g8b8a8_to_rgba8888,
-         qorv_csc_x8y8z8a8_to_xyz565a8, qorv_csc_r8g8b8a8_to_argb8888, qorv_csc_r8g8b8a8_to_bgra8888},
+        {nullptr, qorv_csc_r8g8b8a8_to_rgba8888, nullptr, qorv_csc_r8g8b8a8_to_rgba8888, qorv_csc_x8y8z8a8_to_xyz565a8,
+         qorv_csc_r8g8b8a8_to_argb8888, qorv_csc_r8g8b8a8_to_bgra8888},
         {qorv_csc_yuv444_to_rgb888, qorv_csc_yuv444_to_rgba8888, qorv_csc_yuv444_to_rgb565, nullptr,
          qorv_csc_yuv444_to_rgb565a8, qorv_csc_yuv444_to_argb8888, qorv_csc_yuv444_to_bgra8888, nullptr,
          qorv_csc_yuv444_to_r8g8b8},
-        {nullptr, qorv_csc_yuv444a8_to_rgba8888, nullptr, qorv_csc_yuv444a8_to_rgba5658,
-         qorv_csc_yuv444a8_to_rgb565a8, qorv_csc_yuv444a8_to_argb8888, qorv_csc_yuv444a8_to_bgra8888},
-        {},
-        {},
+        {nullptr, qorv_csc_yuv444a8_to_rgba8888, nullptr, qorv_csc_yuv444a8_to_rgba5658, qorv_csc_yuv444a8_to_rgb565a8,
+         qorv_csc_yuv444a8_to_argb8888, qorv_csc_yuv444a8_to_bgra8888},
+        {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+         qorv_csc_p410_to_r10g10b10},
+        // Planar 10-bit RGB to itself converts to YUV, as the cell of P410 in the other table does.
+        {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+         qorv_csc_r10g10b10_to_p410},
     },
     {},
 };
@@ -24,10 +27,10 @@ extern "C" const qorv_csc_fn qorv_tbl_fn_csc_to_yuvplanar[2][8][3] = {
     {
         {qorv_csc_r8g8b8_to_yuv444},
         {nullptr, qorv_csc_r8g8b8a8_to_yuv444a8},
-        {},
-        {},
+        {qorv_csc_yuv444x_to_yuv444x},
+        {qorv_csc_yuv444x_to_yuv444x, qorv_csc_yuv444x_to_yuv444x},
         {qorv_csc_rgb565_to_yuv444},
-        {},
+        {nullptr, nullptr, qorv_csc_r10g10b10_to_p410},
         {qorv_csc_rgb888_to_yuv444},
         {nullptr, qorv_csc_rgba8888_to_yuv444a8},
     },
@@ -41,12 +44,12 @@ constexpr int32_t kNone = -1;  // in a list: no colour space stands here, or non
 // Rows and columns of the tables, in their order.
 constexpr int32_t kRgbSources[] = {QORV_CS_R8G8B8,  QORV_CS_R8G8B8A8, QORV_CS_YUV444,
                                    QORV_CS_YUVA444, QORV_CS_P410,     QORV_CS_R10G10B10};
-constexpr int32_t kRgbDests[] = {QORV_CS_RGB888,   QORV_CS_RGBA8888, QORV_CS_RGB565, QORV_CS_RGBA5658,
-                                 QORV_CS_RGB565A8, QORV_CS_ARGB8888, QORV_CS_BGRA8888, QORV_CS_BGR888,
-                                 QORV_CS_R8G8B8,   kNone,            QORV_CS_R10G10B10};
+constexpr int32_t kRgbDests[] = {QORV_CS_RGB888,   QORV_CS_RGBA8888, QORV_CS_RGB565, QORV_CS_RGBA5658, QORV_CS_RGB565A8,
+                                 QORV_CS_ARGB8888, QORV_CS_BGRA8888, QORV_CS_BGR888, QORV_CS_R8G8B8,   kNone,
+                                 QORV_CS_R10G10B10};
 // Row 1, planar RGBA, is reached by those alone who index the table themselves.
-constexpr int32_t kYuvSources[] = {QORV_CS_R8G8B8, kNone,             QORV_CS_YUV444, QORV_CS_YUVA444,
-                                   QORV_CS_RGB565, QORV_CS_R10G10B10, QORV_CS_RGB888, QORV_CS_RGBA8888};
+constexpr int32_t kYuvSources[] = {QORV_CS_R8G8B8,    kNone,          QORV_CS_YUV444,  QORV_CS_YUVA444, QORV_CS_RGB565,
+                                   QORV_CS_R10G10B10, QORV_CS_RGB888, QORV_CS_RGBA8888};
 constexpr int32_t kYuvDests[] = {QORV_CS_YUV444, QORV_CS_YUVA444, QORV_CS_P410};
 
 // The place of a colour space in a list, or -1.

@@ -566,6 +566,46 @@ QORV_API void qorv_csc_x8y8z8a8_to_xyz565a8(const void *const *src, int32_t src_
 
 /** @} */
 
+/** @name 10-bit and plane converters
+ *  @{ */
+/**
+ *  Planes Y, U, V of 10-bit samples in words to planes R, G, B of the same. Strides count samples. With u = U - 512,
+ *  v = V - 512: R = Y + ((1436 v + 512) >> 10), G = Y - ((732 v + 352 u + 512) >> 10), B = Y + ((1816 u + 512) >> 10),
+ *  each clamped to 0..1023. Samples above 1023 are taken as they are.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_p410_to_r10g10b10(const void *const *src, int32_t src_w, int32_t src_h,
+                                         const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                         int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Planes R, G, B of 10-bit samples in words to planes Y, U, V of the same. Strides count samples.
+ *  Y = (308 R + 600 G + 116 B + 512) >> 10, at most 1023; U = ((-172 R - 340 G + 512 B + 512) >> 10) + 512 and
+ *  V = ((512 R - 428 G - 84 B + 512) >> 10) + 512, at least 0 and at most 1535: pure blue gives a U and pure red a V of
+ *  1024, one above the 10-bit range. Samples above 1023 are taken as they are.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_r10g10b10_to_p410(const void *const *src, int32_t src_w, int32_t src_h,
+                                         const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                         int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Three planes of 10-bit 4:2:0 in words to three planes of bytes: (sample >> 2) & 255, no rounding, no clamping. Source
+ *  strides are in bytes and rounded down to even, destination strides in bytes. Chroma is (src_w >> 1) x (src_h >> 1):
+ *  an odd picture's last chroma column and row are not converted. In no table.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
+                                      uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
+                                      const int32_t *dst_stride, int32_t dst_cs);
+
+/**
+ *  Copies planes Y, U, V of bytes, and the alpha plane when dst_cs is #QORV_CS_YUVA444 and src[3] is not null. Each row is
+ *  copied byte by byte from the left: a destination 1 to src_w - 1 bytes behind its source repeats the row's beginning.
+ *  Arguments as #qorv_csc_fn. */
+QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w, int32_t src_h,
+                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** @} */
+
 /** @} */
 
 /** @defgroup irsz Resizer

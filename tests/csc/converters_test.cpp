@@ -53,8 +53,8 @@ void expect_same(const CscCase &c, const Placement &placement, size_t bytes, int
     const Call call = at(expected.data(), placement);
     csc_reference(c, call.src, w, h, call.src_stride, call.dst, call.dst_stride);
     if (ours == expected) return;
-    const size_t where = static_cast<size_t>(
-        std::mismatch(ours.begin(), ours.end(), expected.begin()).first - ours.begin());
+    const size_t where =
+        static_cast<size_t>(std::mismatch(ours.begin(), ours.end(), expected.begin()).first - ours.begin());
     FAIL() << c.name << " " << w << "x" << h << ": byte " << where << " is " << int{ours[where]} << ", not "
            << int{expected[where]} << "; first destination at " << placement.dst.back();
 }
@@ -63,19 +63,20 @@ enum class Channels { kCanonical, kReversed, kUnrelated };
 enum class Strides { kTight, kPadded, kNegative };
 
 // Lays pointers out one after the other from `offset` on, and moves it behind them.
-void place(const std::vector<CscPointer> &pointers, Channels channels, Strides strides, int32_t w, int32_t h,
+void place(const std::vector<CscPointer> &pointers, Channels channels, Strides strides, int32_t w, int32_t h, bool deep,
            int64_t &offset, std::vector<int64_t> &at, std::vector<int32_t> &stride) {
     const auto count = static_cast<int32_t>(pointers.size());
     const bool interleaved = pointers[0].step > 2 && channels != Channels::kUnrelated;
     for (int32_t k = 0; k < count; k++) {
         const int32_t pad = strides == Strides::kTight ? 0 : interleaved ? 5 : 3 + 2 * k;
         const int32_t step = std::max(pointers[static_cast<size_t>(k)].step, 1);
-        const int32_t row = w * step + pad;
+        const int32_t row = deep ? (w * step + pad) / 2 * 2 : w * step + pad;
+        const int32_t unit = deep ? 2 : 1;
         const int64_t first = strides == Strides::kNegative ? int64_t{h - 1} * row : 0;
         const int32_t place_in_pixel = channels == Channels::kReversed ? count - 1 - k : k;
         // A word pointer advances by stride >> 1 words, so its odd strides need room for one byte more or less a row.
         at.push_back(offset + (interleaved ? place_in_pixel : 0) + first + (strides == Strides::kNegative ? h : 0));
-        stride.push_back(strides == Strides::kNegative ? -row : row);
+        stride.push_back((strides == Strides::kNegative ? -row : row) / unit);
         if (!interleaved || k == count - 1) offset += int64_t{row} * h + 2 * h + 16;
     }
 }
@@ -107,10 +108,9 @@ TEST_P(Converters, EveryWidthArrangementAndStride) {
                     Placement placement;
                     int64_t bytes = 8;
                     const int32_t h = w > 80 ? 2 : 3;
-                    place(c.src, channels, strides, w, h, bytes, placement.src, placement.src_stride);
-                    place(c.dst, channels, strides, w, h, bytes, placement.dst, placement.dst_stride);
-                    ASSERT_NO_FATAL_FAILURE(
-                        expect_same(c, placement, static_cast<size_t>(bytes), w, h, random));
+                    place(c.src, channels, strides, w, h, c.deep, bytes, placement.src, placement.src_stride);
+                    place(c.dst, channels, strides, w, h, c.deep, bytes, placement.dst, placement.dst_stride);
+                    ASSERT_NO_FATAL_FAILURE(expect_same(c, placement, static_cast<size_t>(bytes), w, h, random));
                 }
             }
         }
@@ -128,7 +128,7 @@ TEST_P(Converters, OverlapGivesThePerPixelOutcome) {
             const auto add = [&](size_t count, std::vector<int64_t> &at, std::vector<int32_t> &stride, int32_t reach) {
                 for (size_t k = 0; k < count; k++) {
                     at.push_back(kSpan / 2 + random.between(-reach, reach));
-                    stride.push_back(random.between(-400, 400));
+                    stride.push_back(random.between(-400, 400) / (c.deep ? 2 : 1));
                 }
             };
             add(c.src.size(), placement.src, placement.src_stride, 400);
@@ -156,12 +156,12 @@ TEST_P(Converters, PlanesSideBySide) {
         int64_t column = 0;
         for (const CscPointer &p : c.src) {
             placement.src.push_back(column);
-            placement.src_stride.push_back(stride);
+            placement.src_stride.push_back(c.deep ? stride / 2 : stride);
             column += w * p.step;
         }
         for (const CscPointer &p : c.dst) {
             placement.dst.push_back(column);
-            placement.dst_stride.push_back(stride);
+            placement.dst_stride.push_back(c.deep ? stride / 2 : stride);
             column += w * std::max(p.step, 1);
         }
         ASSERT_NO_FATAL_FAILURE(expect_same(c, placement, static_cast<size_t>(stride) * h, w, h, random));
@@ -187,7 +187,7 @@ TEST_P(Converters, NothingOutsideThePictureIsTouched) {
                             planes.back().generate(random);
                         }
                         to[k] = planes.back().data() + (interleaved ? k : 0);
-                        stride[k] = bytes;
+                        stride[k] = c.deep ? bytes / 2 : bytes;
                     }
                 };
                 add(c.src, call.src, call.src_stride);
@@ -211,10 +211,94 @@ TEST_P(Converters, EmptyPicturesAreLeftAlone) {
     }
 }
 
+// Corners of the 10-bit formulas: extremes of the range and of the word, with their neighbours.
+TEST_P(Converters, TenBitCorners) {
+    const std::vector<uint16_t> corners{0, 1, 2, 511, 512, 513, 1022, 1023, 1024, 1535, 32767, 32768, 65534, 65535};
+    const size_t n = corners.size() * corners.size() * corners.size();
+    std::vector<uint16_t> src(3 * n), ours(3 * n), expected(3 * n);
+    for (size_t i = 0; i < n; i++) {
+        src[i] = corners[i % corners.size()];
+        src[n + i] = corners[i / corners.size() % corners.size()];
+        src[2 * n + i] = corners[i / corners.size() / corners.size()];
+    }
+    const int32_t w = static_cast<int32_t>(n), strides[3] = {w, w, w};
+    const void *from[3] = {&src[0], &src[n], &src[2 * n]};
+    void *to[3] = {&ours[0], &ours[n], &ours[2 * n]}, *to_expected[3] = {&expected[0], &expected[n], &expected[2 * n]};
+    for (const CscCase &c : csc_cases()) {
+        if (!c.deep) continue;
+        c.fn(from, w, 1, strides, 0, to, 0, 0, strides, 0);
+        csc_reference(c, from, w, 1, strides, to_expected, strides);
+        EXPECT_EQ(ours, expected) << c.name;
+    }
+}
+
+// Sizes round down for chroma and so do odd strides, of which the source's are in bytes.
+TEST_P(Converters, TenTo8BitPlanes) {
+    Random random(5);
+    for (int32_t w = 0; w <= 131; w++) {
+        for (const Flush flush : kBothFlushes) {
+            const int32_t h = 5;
+            std::vector<GuardedBuffer> src, dst;
+            Call call;
+            std::vector<std::vector<uint8_t>> expected;
+            for (int k = 0; k < 3; k++) {
+                const int32_t pw = k == 0 ? w : w / 2, ph = k == 0 ? h : h / 2;
+                call.src_stride[k] = 2 * pw + (w & 2) + 1;
+                call.dst_stride[k] = pw;
+                const int32_t src_row = call.src_stride[k] & ~1;
+                src.emplace_back(static_cast<size_t>(std::max(0, (ph - 1) * src_row + 2 * pw)), flush);
+                src.back().generate(random);
+                dst.emplace_back(static_cast<size_t>(pw * ph), flush);
+                expected.emplace_back(dst.back().bytes());
+                for (int32_t i = 0; i < pw * ph; i++) {
+                    const uint8_t *sample = src.back().data() + i / pw * src_row + i % pw * 2;
+                    expected.back()[static_cast<size_t>(i)] = static_cast<uint8_t>((sample[0] | sample[1] << 8) >> 2);
+                }
+                call.src[k] = src.back().data();
+                call.dst[k] = dst.back().data();
+            }
+            qorv_csc_p010_to_yuv420(call.src, w, h, call.src_stride, 0, call.dst, 0, 0, call.dst_stride, 0);
+            for (size_t k = 0; k < 3; k++) ASSERT_EQ(dst[k].bytes(), expected[k]) << "plane " << k << ", width " << w;
+        }
+    }
+}
+
+TEST(PlaneCopier, CopiesForwardAndTakesAlphaOnDemand) {
+    Random random(6);
+    constexpr int32_t kBytes = 2000, kW = 37, kH = 3;
+    for (int round = 0; round < 2000; round++) {
+        std::vector<uint8_t> ours(kBytes);
+        for (uint8_t &byte : ours) byte = static_cast<uint8_t>(random());
+        std::vector<uint8_t> expected = ours;
+        const bool tight = round % 4 == 0, null_alpha = round % 8 == 1;
+        const int32_t dst_cs = round % 3 == 0 ? QORV_CS_YUV444 : QORV_CS_YUVA444;
+        Placement placement;
+        for (int k = 0; k < 4; k++) {
+            placement.src.push_back(800 + random.between(-60, 60));
+            placement.dst.push_back(800 + random.between(-60, 60));
+            placement.src_stride.push_back(tight ? kW : random.between(-200, 200));
+            placement.dst_stride.push_back(tight ? kW : random.between(-200, 200));
+        }
+        Call call = at(ours.data(), placement);
+        if (null_alpha) call.src[3] = nullptr;
+        qorv_csc_yuv444x_to_yuv444x(call.src, kW, kH, call.src_stride, 0, call.dst, 0, 0, call.dst_stride, dst_cs);
+        for (size_t k = 0; k < (dst_cs == QORV_CS_YUVA444 && !null_alpha ? 4u : 3u); k++) {
+            for (int32_t y = 0; y < kH; y++) {
+                for (int32_t x = 0; x < kW; x++) {
+                    expected[static_cast<size_t>(placement.dst[k] + y * placement.dst_stride[k] + x)] =
+                        expected[static_cast<size_t>(placement.src[k] + y * placement.src_stride[k] + x)];
+                }
+            }
+        }
+        ASSERT_EQ(ours, expected) << "round " << round;
+    }
+}
+
 // All 2^24 triples through each formula, all 2^16 words through the 5-6-5 source.
 void expect_exhaustive(const char *name) {
     const auto &cases = csc_cases();
-    const CscCase &c = *std::find_if(cases.begin(), cases.end(), [&](const CscCase &x) { return !strcmp(x.name, name); });
+    const CscCase &c =
+        *std::find_if(cases.begin(), cases.end(), [&](const CscCase &x) { return !strcmp(x.name, name); });
     const bool words = c.src[0].what == 'W';
     std::vector<uint8_t> src(3 * 65536), ours(3 * 65536), expected(3 * 65536);
     for (size_t i = 0; i < 65536; i++) {

@@ -9,14 +9,18 @@ namespace {
 
 std::vector<CscPointer> pointers(const char *what, int step) {
     std::vector<CscPointer> list;
-    for (; *what != 0; what++) list.push_back({*what, *what == 'W' ? 2 : 1, *what == 'W' ? 2 : step});
+    for (; *what != 0; what++) {
+        const bool word = *what == 'W' || (*what >= 'a' && *what <= 'z');
+        list.push_back({*what, word ? 2 : 1, word ? 2 : step});
+    }
     return list;
 }
 
 CscCase make(const char *name, qorv_csc_fn fn, const char *src, int src_step, const char *dst, int dst_step) {
-    CscCase c{name, fn, false, false, pointers(src, src_step), pointers(dst, dst_step)};
-    c.to_rgb = strchr(src, 'Y') != nullptr;
-    c.to_yuv = strchr(dst, 'Y') != nullptr;
+    CscCase c{name, fn, false, false, false, pointers(src, src_step), pointers(dst, dst_step)};
+    c.to_rgb = strpbrk(src, "Yy") != nullptr;
+    c.to_yuv = strpbrk(dst, "Yy") != nullptr;
+    c.deep = c.src[0].what >= 'a';
     return c;
 }
 
@@ -29,14 +33,21 @@ struct Pixel {
     int r = 0, g = 0, b = 0, a = 255, y = 0, u = 0, v = 0;
 
     int &operator[](char what) {
-        switch (what) {
-            case 'R': return r;
-            case 'G': return g;
-            case 'B': return b;
-            case 'A': return a;
-            case 'Y': return y;
-            case 'U': return u;
-            default: return v;
+        switch (what >= 'a' ? what - 'a' + 'A' : what) {
+            case 'R':
+                return r;
+            case 'G':
+                return g;
+            case 'B':
+                return b;
+            case 'A':
+                return a;
+            case 'Y':
+                return y;
+            case 'U':
+                return u;
+            default:
+                return v;
         }
     }
     void set_word(uint16_t word) {
@@ -57,41 +68,49 @@ struct Pixel {
         u = biased(((-43 * r - 85 * g + 128 * b) * 256 + 32768) >> 16);
         v = biased(((128 * r - 107 * g - 21 * b) * 256 + 32768) >> 16);
     }
+    void to_rgb10() {
+        const int cu = u - 512, cv = v - 512;
+        r = std::clamp(y + ((cv * 1436 + 512) >> 10), 0, 1023);
+        g = std::clamp(y - ((cv * 732 + cu * 352 + 512) >> 10), 0, 1023);
+        b = std::clamp(y + ((cu * 1816 + 512) >> 10), 0, 1023);
+    }
+    void to_yuv10() {
+        const auto biased = [](int x) { return x < -512 ? 0 : std::min(x, 1023) + 512; };
+        y = std::min((308 * r + 600 * g + 116 * b + 512) >> 10, 1023);
+        u = biased((-172 * r - 340 * g + 512 * b + 512) >> 10);
+        v = biased((512 * r - 428 * g - 84 * b + 512) >> 10);
+    }
 };
+
+uint16_t read_word(const uint8_t *p) {
+    return static_cast<uint16_t>(p[0] | p[1] << 8);
+}
+
+void write_word(uint8_t *p, int word) {
+    p[0] = static_cast<uint8_t>(word);
+    p[1] = static_cast<uint8_t>(word >> 8);
+}
 
 }  // namespace
 
 const std::vector<CscCase> &csc_cases() {
 #define CASE(name, ...) make(#name, qorv_csc_##name, __VA_ARGS__)
     static const std::vector<CscCase> cases{
-        CASE(yuv444_to_rgb888, "YUV", 1, "RGB", 3),
-        CASE(yuv444_to_rgba8888, "YUV", 1, "RGB1", 4),
-        CASE(yuv444_to_argb8888, "YUV", 1, " RG1", 4),
-        CASE(yuv444_to_bgra8888, "YUV", 1, "BGR1", 4),
-        CASE(yuv444_to_rgb565, "YUV", 1, "W", 2),
-        CASE(yuv444_to_rgb565a8, "YUV", 1, "W1", 1),
-        CASE(yuv444_to_r8g8b8, "YUV", 1, "RGB", 1),
-        CASE(yuv444a8_to_rgba8888, "YUVA", 1, "RGBA", 4),
-        CASE(yuv444a8_to_argb8888, "YUVA", 1, "ARGB", 4),
-        CASE(yuv444a8_to_bgra8888, "YUVA", 1, "BGRA", 4),
-        CASE(yuv444a8_to_rgb565a8, "YUVA", 1, "WA", 1),
-        CASE(yuv444a8_to_rgba5658, "YUVA", 1, "WA", 3),
-        CASE(r8g8b8_to_yuv444, "RGB", 1, "YUV", 1),
-        CASE(rgb888_to_yuv444, "RGB", 3, "YUV", 1),
-        CASE(rgb565_to_yuv444, "W", 2, "YUV", 1),
-        CASE(rgba8888_to_yuv444a8, "RGBA", 4, "YUVA", 1),
-        CASE(r8g8b8a8_to_yuv444a8, "RGBA", 1, "YUVA", 1),
-        CASE(r8g8b8_to_rgb888, "RGB", 1, "RGB", 3),
-        CASE(r8g8b8_to_rgba8888, "RGB", 1, "RGB1", 4),
-        CASE(r8g8b8_to_argb8888, "RGB", 1, "1RGB", 4),
-        CASE(r8g8b8_to_bgra8888, "RGB", 1, "BGR1", 4),
-        CASE(r8g8b8_to_rgb565, "RGB", 1, "W", 2),
-        CASE(x8y8z8_to_xyz565a8, "RGB", 1, "W1", 1),
-        CASE(r8g8b8a8_to_rgba8888, "RGBA", 1, "RGBA", 4),
-        CASE(r8g8b8a8_to_argb8888, "RGBA", 1, "ARGB", 4),
-        CASE(r8g8b8a8_to_bgra8888, "RGBA", 1, "BGRA", 4),
-        CASE(r8g8b8a8_to_rgba5658, "RGBA", 1, "WA", 3),
-        CASE(x8y8z8a8_to_xyz565a8, "RGBA", 1, "WA", 1),
+        CASE(yuv444_to_rgb888, "YUV", 1, "RGB", 3),       CASE(yuv444_to_rgba8888, "YUV", 1, "RGB1", 4),
+        CASE(yuv444_to_argb8888, "YUV", 1, " RG1", 4),    CASE(yuv444_to_bgra8888, "YUV", 1, "BGR1", 4),
+        CASE(yuv444_to_rgb565, "YUV", 1, "W", 2),         CASE(yuv444_to_rgb565a8, "YUV", 1, "W1", 1),
+        CASE(yuv444_to_r8g8b8, "YUV", 1, "RGB", 1),       CASE(yuv444a8_to_rgba8888, "YUVA", 1, "RGBA", 4),
+        CASE(yuv444a8_to_argb8888, "YUVA", 1, "ARGB", 4), CASE(yuv444a8_to_bgra8888, "YUVA", 1, "BGRA", 4),
+        CASE(yuv444a8_to_rgb565a8, "YUVA", 1, "WA", 1),   CASE(yuv444a8_to_rgba5658, "YUVA", 1, "WA", 3),
+        CASE(r8g8b8_to_yuv444, "RGB", 1, "YUV", 1),       CASE(rgb888_to_yuv444, "RGB", 3, "YUV", 1),
+        CASE(rgb565_to_yuv444, "W", 2, "YUV", 1),         CASE(rgba8888_to_yuv444a8, "RGBA", 4, "YUVA", 1),
+        CASE(r8g8b8a8_to_yuv444a8, "RGBA", 1, "YUVA", 1), CASE(r8g8b8_to_rgb888, "RGB", 1, "RGB", 3),
+        CASE(r8g8b8_to_rgba8888, "RGB", 1, "RGB1", 4),    CASE(r8g8b8_to_argb8888, "RGB", 1, "1RGB", 4),
+        CASE(r8g8b8_to_bgra8888, "RGB", 1, "BGR1", 4),    CASE(r8g8b8_to_rgb565, "RGB", 1, "W", 2),
+        CASE(x8y8z8_to_xyz565a8, "RGB", 1, "W1", 1),      CASE(r8g8b8a8_to_rgba8888, "RGBA", 1, "RGBA", 4),
+        CASE(r8g8b8a8_to_argb8888, "RGBA", 1, "ARGB", 4), CASE(r8g8b8a8_to_bgra8888, "RGBA", 1, "BGRA", 4),
+        CASE(r8g8b8a8_to_rgba5658, "RGBA", 1, "WA", 3),   CASE(x8y8z8a8_to_xyz565a8, "RGBA", 1, "WA", 1),
+        CASE(p410_to_r10g10b10, "yuv", 2, "rgb", 2),      CASE(r10g10b10_to_p410, "rgb", 2, "yuv", 2),
     };
 #undef CASE
     return cases;
@@ -99,8 +118,8 @@ const std::vector<CscCase> &csc_cases() {
 
 void csc_reference(const CscCase &c, const void *const *src, int32_t w, int32_t h, const int32_t *src_stride,
                    void *const *dst, const int32_t *dst_stride) {
-    const auto row_offset = [](const CscPointer &p, int64_t y, int32_t stride) {
-        return y * (p.what == 'W' ? (stride >> 1) * int64_t{2} : stride);
+    const auto row_offset = [&](const CscPointer &p, int64_t y, int32_t stride) {
+        return c.deep ? y * stride * 2 : y * (p.what == 'W' ? (stride >> 1) * int64_t{2} : stride);
     };
     for (int32_t y = 0; y < h; y++) {
         for (int32_t x = 0; x < w; x++) {
@@ -109,20 +128,19 @@ void csc_reference(const CscCase &c, const void *const *src, int32_t w, int32_t 
                 const CscPointer &p = c.src[k];
                 const auto *from = static_cast<const uint8_t *>(src[k]) + row_offset(p, y, src_stride[k]) + x * p.step;
                 if (p.what == 'W') {
-                    pixel.set_word(static_cast<uint16_t>(from[0] | from[1] << 8));
+                    pixel.set_word(read_word(from));
                 } else {
-                    pixel[p.what] = *from;
+                    pixel[p.what] = c.deep ? read_word(from) : *from;
                 }
             }
-            if (c.to_rgb) pixel.to_rgb();
-            if (c.to_yuv) pixel.to_yuv();
+            if (c.to_rgb) c.deep ? pixel.to_rgb10() : pixel.to_rgb();
+            if (c.to_yuv) c.deep ? pixel.to_yuv10() : pixel.to_yuv();
             for (size_t k = 0; k < c.dst.size(); k++) {
                 const CscPointer &p = c.dst[k];
                 if (p.what == ' ') continue;
                 auto *to = static_cast<uint8_t *>(dst[k]) + row_offset(p, y, dst_stride[k]) + x * p.step;
-                if (p.what == 'W') {
-                    to[0] = static_cast<uint8_t>(pixel.word());
-                    to[1] = static_cast<uint8_t>(pixel.word() >> 8);
+                if (p.bytes == 2) {
+                    write_word(to, c.deep ? pixel[p.what] : pixel.word());
                 } else {
                     *to = p.what == '1' ? 255 : static_cast<uint8_t>(pixel[p.what]);
                 }

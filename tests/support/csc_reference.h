@@ -19,7 +19,8 @@ struct CscPointer {
 struct CscCase {
     const char *name;
     qorv_csc_fn fn;
-    bool to_rgb, to_yuv;  // the formula; neither: samples are passed on
+    bool to_rgb, to_yuv;               // the formula; neither: samples are passed on
+    bool deep;                         // words of 10 bits (letters y, u, v, r, g, b), strides in samples
     std::vector<CscPointer> src, dst;  // what = ' ': the pointer is not used
 };
 

@@ -38,10 +38,7 @@ GuardedBuffer::~GuardedBuffer() {
 }
 
 GuardedBuffer::GuardedBuffer(GuardedBuffer &&other) noexcept
-    : map_(std::exchange(other.map_, nullptr)),
-      map_bytes_(other.map_bytes_),
-      data_(other.data_),
-      size_(other.size_) {}
+    : map_(std::exchange(other.map_, nullptr)), map_bytes_(other.map_bytes_), data_(other.data_), size_(other.size_) {}
 
 void GuardedBuffer::fill(uint8_t value) {
     memset(data_, value, size_);

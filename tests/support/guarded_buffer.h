@@ -1,5 +1,5 @@
-// Memory that lies flush against an inaccessible page, so that one byte too far is a crash instead of luck. The slack on
-// the other side, up to the page's beginning or end, holds canaries.
+// Memory that lies flush against an inaccessible page, so that one byte too far is a crash instead of luck. The slack
+// on the other side, up to the page's beginning or end, holds canaries.
 #pragma once
 
 #include <cstddef>

@@ -24,6 +24,6 @@ private:
 
 }  // namespace test
 
-#define INSTANTIATE_FOR_KERNEL_SETS(fixture)                                                                    \
+#define INSTANTIATE_FOR_KERNEL_SETS(fixture)                                                      \
     INSTANTIATE_TEST_SUITE_P(Kernels, fixture, ::testing::ValuesIn(test::runnable_kernel_sets()), \
                              [](const auto &set) { return std::string(set.param.name); })
