@@ -10,8 +10,9 @@ int main(int argc, char **argv) {
     app.require_subcommand(1);
     app.set_version_flag("--version", std::to_string(QORV_VERSION_MAJOR) + "." + std::to_string(QORV_VERSION_MINOR) +
                                           "." + std::to_string(QORV_VERSION_PATCH));
-    app.footer("Run 'qorv COMMAND --help' for the options of a command.\n"
-               "Exit codes: 0 success, 1 the work failed (the reason is on standard error), 2 wrong usage.");
+    app.footer(
+        "Run 'qorv COMMAND --help' for the options of a command.\n"
+        "Exit codes: 0 success, 1 the work failed (the reason is on standard error), 2 wrong usage.");
     tool::add_convert_command(app);
 
     try {

@@ -12,8 +12,8 @@ namespace tool {
 
 namespace {
 
-constexpr size_t kMaxLine = 1024;      // bytes of a header or frame line
-constexpr uint32_t kMaxSide = 32768;   // pixels
+constexpr size_t kMaxLine = 1024;     // bytes of a header or frame line
+constexpr uint32_t kMaxSide = 32768;  // pixels
 constexpr const char kMagic[] = "YUV4MPEG2";
 
 int close_unless_stdin(std::FILE *file) {
@@ -82,11 +82,14 @@ void Y4mReader::parse_header(const std::string &line) {
                 }
                 break;
             }
-            case 'C': colour = value; break;
+            case 'C':
+                colour = value;
+                break;
             case 'X':
                 if (value == "COLORRANGE=FULL") format_.full_range = true;
                 break;
-            default: break;  // interlacing, aspect ratio and comments do not change the layout
+            default:
+                break;  // interlacing, aspect ratio and comments do not change the layout
         }
     }
     if (format_.width == 0 || format_.height == 0) fail(0, "the stream header gives no width or no height");
