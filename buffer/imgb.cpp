@@ -1,8 +1,8 @@
-#include <stdlib.h>
 #include <string.h>
 
 #include "buffer/colour_space.h"
 #include "buffer/default_allocator.h"
+#include "buffer/reference.h"
 #include "qorv_skia.h"
 
 using namespace qorv;
@@ -114,21 +114,8 @@ void clear_padding(const QORV_IMGB &imgb, uint32_t plane, uint32_t aligned_w, ui
     clear_rows(origin, stride, above, aligned_h, right, side);
 }
 
-int32_t add_reference(QORV_IMGB *imgb) {
-    return imgb == nullptr ? QORV_ERR_INVALID_ARG : qorv_atomic_inc(&imgb->refcnt);
-}
-
-int32_t get_reference(QORV_IMGB *imgb) {
-    return imgb == nullptr ? QORV_ERR_INVALID_ARG : __atomic_load_n(&imgb->refcnt, __ATOMIC_RELAXED);
-}
-
-int32_t release_reference(QORV_IMGB *imgb) {
-    if (imgb == nullptr) return QORV_ERR_INVALID_ARG;
-    const int32_t left = qorv_atomic_dec(&imgb->refcnt);
-    if (left != 0) return left;
-    if (imgb->baddr[0] != nullptr) imgb->free(imgb->baddr[0], imgb->bpaddr[0]);
-    free(imgb);
-    return 0;
+void free_block(QORV_IMGB &imgb) {
+    if (imgb.baddr[0] != nullptr) imgb.free(imgb.baddr[0], imgb.bpaddr[0]);
 }
 
 // Everything of create after the allocator pair is known.
@@ -146,10 +133,6 @@ int32_t build(QORV_IMGB &imgb, int32_t w, int32_t h, uint32_t cs, uint32_t opt, 
 
     imgb.alloc = alloc;
     imgb.free = release;
-    imgb.addref = add_reference;
-    imgb.getref = get_reference;
-    imgb.release = release_reference;
-    imgb.refcnt = 1;
     return QORV_OK;
 }
 
@@ -185,25 +168,16 @@ int32_t lay_out_again(QORV_IMGB *imgb, int32_t w, int32_t h, uint32_t cs, uint32
 extern "C" QORV_IMGB *qorv_imgb_create(int32_t w, int32_t h, uint32_t cs, uint32_t opt, const uint32_t *align,
                                        const uint32_t *pad, qorv_alloc_fn alloc, qorv_free_fn release,
                                        int32_t *status) {
-    int32_t ignored;
-    int32_t &result = status != nullptr ? *status : ignored;
     if (alloc != nullptr && release == nullptr) {
-        result = QORV_ERR_INVALID_ARG;
+        if (status != nullptr) *status = QORV_ERR_INVALID_ARG;
         return nullptr;
     }
     if (alloc == nullptr) {
         alloc = default_alloc;
         release = default_free;
     }
-    QORV_IMGB *imgb = static_cast<QORV_IMGB *>(malloc(sizeof *imgb));
-    if (imgb == nullptr) {
-        result = QORV_ERR_OUT_OF_MEMORY;
-        return nullptr;
-    }
-    result = build(*imgb, w, h, cs, opt, align, pad, alloc, release);
-    if (result == QORV_OK) return imgb;
-    free(imgb);
-    return nullptr;
+    return create_record<free_block, QORV_IMGB>(
+        status, [&](QORV_IMGB &imgb) { return build(imgb, w, h, cs, opt, align, pad, alloc, release); });
 }
 
 extern "C" int32_t qorv_imgb_option(QORV_IMGB *imgb, uint32_t opt, uint32_t plane_count, const uint32_t *widths,

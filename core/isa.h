@@ -9,23 +9,30 @@
 namespace qorv {
 
 struct CscKernels;
+struct MemoryKernels;
 
 // One table of function pointers per family, all of one instruction set.
 struct KernelSet {
     const char *name;
     const CscKernels *csc;
+    const MemoryKernels *memory;
 };
 
 // The tables of one instruction set, and the set made of them: a constant expression of addresses, so that a set is
 // there before any constructor runs.
-#define QORV_DECLARE_KERNELS(isa)                      \
-    namespace isa {                                    \
-    extern QORV_INTERNAL const CscKernels csc_kernels; \
+// clang-format off
+#define QORV_DECLARE_KERNELS(isa)                            \
+    namespace isa {                                          \
+    extern QORV_INTERNAL const CscKernels csc_kernels;       \
+    extern QORV_INTERNAL const MemoryKernels memory_kernels; \
     }
-#define QORV_KERNEL_SET(isa)            \
-    ::qorv::KernelSet {                 \
-#isa, &::qorv::isa::csc_kernels \
+#define QORV_KERNEL_SET(isa)          \
+    ::qorv::KernelSet {               \
+        #isa,                         \
+        &::qorv::isa::csc_kernels,    \
+        &::qorv::isa::memory_kernels, \
     }
+// clang-format on
 
 QORV_DECLARE_KERNELS(v2)
 QORV_DECLARE_KERNELS(v3)

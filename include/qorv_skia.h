@@ -127,10 +127,149 @@ typedef void (*qorv_free_fn)(void *block, uint64_t aux);
 /** @defgroup memory Memory kernels, wait and wake
  *  @{ */
 
+/**
+ * Fills memory with a byte in steps of 128 bytes: writes n rounded up to a multiple of 128, and 128 bytes even when n is
+ * 0 or negative.
+ * @param dst    first byte; room for the rounded size.
+ * @param value  byte, low 8 bits.
+ * @param n      bytes.
+ */
+QORV_API void qorv_mset_x128(void *dst, int32_t value, int32_t n);
+
+/**
+ * Fills exactly n bytes; made for multiples of 128 from 128 on.
+ * @param dst    first byte, any alignment.
+ * @param value  byte, low 8 bits.
+ * @param n      bytes; 0 writes nothing.
+ */
+QORV_API void qorv_mset_x64(void *dst, int32_t value, size_t n);
+
+/**
+ * Fills exactly n bytes, any number of them.
+ * @param dst    first byte, any alignment.
+ * @param value  byte, low 8 bits.
+ * @param n      bytes; 0 writes nothing.
+ */
+QORV_API void qorv_mset_x64a(void *dst, int32_t value, size_t n);
+
+/**
+ * Fills exactly n bytes; made for multiples of 32 from 32 on.
+ * @param dst    first byte, any alignment.
+ * @param value  byte, low 8 bits.
+ * @param n      bytes; below 1 nothing is written.
+ */
+QORV_API void qorv_mset_x32(void *dst, int32_t value, int32_t n);
+
+/**
+ * Fills exactly n bytes; made for any number from 32 on.
+ * @param dst    first byte, any alignment.
+ * @param value  byte, low 8 bits.
+ * @param n      bytes; below 1 nothing is written.
+ */
+QORV_API void qorv_mset_x32ax4(void *dst, int32_t value, int32_t n);
+
+/**
+ * Clears exactly n bytes; made for multiples of 64 from 64 on.
+ * @param dst  first byte, any alignment.
+ * @param n    bytes; below 1 nothing is written.
+ */
+QORV_API void qorv_mclr_x64(void *dst, int32_t n);
+
+/**
+ * Fills n samples of 16 bits.
+ * @param dst    first sample, any alignment.
+ * @param value  sample, stored in host order.
+ * @param n      samples; below 1 nothing is written.
+ */
+QORV_API void qorv_mset16(void *dst, uint16_t value, int32_t n);
+
+/**
+ * Copies a picture row by row, or as one run when both strides equal the width.
+ * @param dst         first row; must not overlap the source.
+ * @param src         first row.
+ * @param dst_stride  bytes between rows.
+ * @param src_stride  bytes between rows.
+ * @param width       bytes in a row; below 1 nothing is copied.
+ * @param height      rows; below 1 nothing is copied.
+ */
+QORV_API void qorv_mcpy_pic(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,
+                            int32_t height);
+
+/**
+ * As qorv_mcpy_pic() for 16-bit samples.
+ * @param dst         first row, any alignment; must not overlap the source.
+ * @param src         first row.
+ * @param dst_stride  samples between rows.
+ * @param src_stride  samples between rows.
+ * @param width       samples in a row; below 1 nothing is copied.
+ * @param height      rows; below 1 nothing is copied.
+ */
+QORV_API void qorv_mcpy_pic_16(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,
+                               int32_t height);
+
+/**
+ * Copies a small block of one of the widths 2, 4, 6, 8, 12, 16, 24, 32 and 48 bytes. Every other width, 1 or 10 for
+ * instance, copies 64 bytes of each row.
+ * @param dst         first row, any alignment; must not overlap the source.
+ * @param src         first row.
+ * @param dst_stride  bytes between rows.
+ * @param src_stride  bytes between rows.
+ * @param width       bytes in a row, as above.
+ * @param height      rows, any number; below 1 nothing is copied.
+ */
+QORV_API void qorv_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,
+                            int32_t height);
+
+/**
+ * As qorv_mcpy_blk() for 16-bit samples: the same widths, in samples; every other width copies 64 samples of each row.
+ * @param dst         first row, any alignment; must not overlap the source.
+ * @param src         first row.
+ * @param dst_stride  samples between rows.
+ * @param src_stride  samples between rows.
+ * @param width       samples in a row, as above.
+ * @param height      rows, any number; below 1 nothing is copied.
+ */
+QORV_API void qorv_mcpy_blk_16(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,
+                               int32_t height);
+
+/**
+ * Waits, without a time limit, until a word that threads of this process share holds a value or -1. What was written
+ * before the qorv_sync_wake() that published the value is visible afterwards. A value that another one replaces before
+ * the waiter has looked is missed. On AArch64 the waiter sleeps in the processor's event wait; elsewhere it spins for
+ * some microseconds and then sleeps in the kernel, where only qorv_sync_wake() reaches it, a plain store need not.
+ * @param word   shared word, 4-byte aligned.
+ * @param value  value to wait for.
+ * @return 0 when the word holds the value, -1 when it holds -1, which comes first and means that waiting is abandoned.
+ */
+QORV_API int32_t qorv_sync_wait(const int32_t *word, int32_t value);
+
+/**
+ * Publishes a value in a word and wakes every thread that waits on it.
+ * @param word   shared word, 4-byte aligned.
+ * @param value  value to store; -1 releases every waiter with the result -1.
+ * @return 0.
+ */
+QORV_API int32_t qorv_sync_wake(int32_t *word, int32_t value);
+
 /** @} */
 
 /** @defgroup platform Platform queries
  *  @{ */
+
+/**
+ * The directory for temporary files.
+ * @param path  receives "/tmp/" and its terminating zero; room for 6 bytes.
+ * @return the length of the text, 5.
+ */
+QORV_API uint32_t qorv_get_temp_path(char *path);
+
+/**
+ * The hardware address of a wireless interface, from /sys/class/net/wlan<index>/address.
+ * @param index  number of the interface: 0 for wlan0.
+ * @param addr   8 bytes that receive the six octets and two zero bytes; all zero on failure.
+ * @return #QORV_OK, or #QORV_ERR when there is no such file or it does not hold six octets.
+ */
+QORV_API int32_t qorv_get_mac_addr(int32_t index, uint8_t *addr);
 
 /** @} */
 
@@ -294,10 +433,178 @@ QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32
 /** @defgroup border Border expansion
  *  @{ */
 
+/**
+ * Fills the padding round every plane: each row's first sample to its left, its last sample to its right, then the first
+ * and the last row, margins included, upwards and downwards.
+ *
+ * The planes' sizes are those of the aligned picture, aw x ah. Three odd ends: with unequal halves of a padding word the
+ * left run begins `vertical` samples left of the row and is `horizontal` samples long, so it ends inside the row when
+ * the horizontal half is the larger one, and leaves a gap when it is the smaller one. The chroma plane of
+ * #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, so its pairs are not kept together. And
+ * the copies up and down are s[i] bytes long from the left margin's beginning.
+ *
+ * @param imgb  the picture, with the padding reserved at creation.
+ * @param pad   one padding word (#QORV_IMGB_WORD) for each plane, normally those given at creation; larger ones write
+ *              outside the block. 0 leaves the plane unchanged.
+ * @return #QORV_OK, or #QORV_ERR_UNSUPPORTED_CS with nothing written for anything but the YUV identifiers (10 to 64).
+ */
+QORV_API int32_t qorv_imgb_expand(QORV_IMGB *imgb, const uint32_t *pad);
+
+/**
+ * Repeats one byte of each row: `count` bytes at dst + r x stride take the byte at src + r x stride.
+ * @param src     the byte of row 0.
+ * @param dst     the run of row 0.
+ * @param rows    rows; below 1 nothing is written.
+ * @param stride  bytes between rows, of source and destination.
+ * @param count   bytes in a run; below 1 nothing is written.
+ */
+QORV_API void qorv_imgb_expand_ver(const void *src, void *dst, int32_t rows, int32_t stride, int32_t count);
+
+/**
+ * As qorv_imgb_expand_ver() for 16-bit samples.
+ * @param src     the sample of row 0, any alignment.
+ * @param dst     the run of row 0, any alignment.
+ * @param rows    rows; below 1 nothing is written.
+ * @param stride  bytes between rows; an odd stride counts as the even one above it.
+ * @param count   samples in a run; below 1 nothing is written.
+ */
+QORV_API void qorv_imgb_expand_ver_16(const void *src, void *dst, int32_t rows, int32_t stride, int32_t count);
+
+/**
+ * Writes `count` copies of a run of bytes one after the other.
+ * @param src    the run; must not overlap the copies.
+ * @param dst    room for len x count bytes.
+ * @param len    bytes in the run; below 1 nothing is written.
+ * @param count  copies; below 1 nothing is written.
+ */
+QORV_API void qorv_imgb_expand_hor(const void *src, void *dst, int32_t len, int32_t count);
+
 /** @} */
 
 /** @defgroup buffers Audio, bitstream and bare buffers, owned bytes
  *  @{ */
+
+typedef struct QORV_AUDB QORV_AUDB;
+typedef struct QORV_BITB QORV_BITB;
+typedef struct QORV_MFAL QORV_MFAL;
+
+/** Audio samples, in one buffer for all channels or in one for each. Made by qorv_audb_create(). */
+struct QORV_AUDB {
+    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
+    int32_t (*addref)(QORV_AUDB *audb);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_AUDB *audb);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_AUDB *audb); /**< Drops a reference: the count left, 0 once buffers and record are freed,
+                                              #QORV_ERR_INVALID_ARG for null. */
+    uint32_t samples[8];                 /**< Samples per channel that each buffer holds; 0 where there is none. */
+    uint32_t size[8];                    /**< Bytes in each buffer. */
+    void *buf[8];                        /**< The buffers; null where there is none. */
+    uint64_t aux[8];                     /**< What the allocator stored for each buffer. */
+    int32_t channels;                    /**< Channels. */
+    uint32_t bits;                       /**< Bits per sample. */
+    uint32_t attr;                       /**< The creator's, stored only. */
+    uint32_t interleaved;                /**< 1: all channels share buffer 0; 0: one buffer a channel. */
+    int32_t layout;                      /**< The creator's; 1 to 99 selected interleaved. */
+    uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
+    qorv_alloc_fn alloc;                 /**< Allocator in use. */
+    qorv_free_fn free;                   /**< Its release function. */
+};
+
+/** A buffer of compressed bytes. Made by qorv_bitb_create(); its capacity is not kept. */
+struct QORV_BITB {
+    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
+    int32_t (*addref)(QORV_BITB *bitb);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_BITB *bitb);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_BITB *bitb); /**< Drops a reference: the count left, 0 once buffer and record are freed,
+                                              #QORV_ERR_INVALID_ARG for null. */
+    void *buf;                           /**< The bytes. */
+    uint64_t aux;                        /**< What the allocator stored. */
+    uint8_t opaque_head[8];              /**< Zero after create, never touched by the library. */
+    uint32_t type;                       /**< The creator's, stored only. */
+    uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
+    qorv_alloc_fn alloc;                 /**< Allocator in use. */
+    qorv_free_fn free;                   /**< Its release function; null: the bytes are not freed. */
+};
+
+/** A bare reference-counted record. Made by qorv_mfal_create(). */
+struct QORV_MFAL {
+    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
+    int32_t (*addref)(QORV_MFAL *mfal);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_MFAL *mfal);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_MFAL *mfal); /**< Drops a reference: the count left, 0 once the record is freed,
+                                              #QORV_ERR_INVALID_ARG for null. */
+    uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
+};
+
+/** Bytes owned by whoever holds the record. All zero is the empty value; must be emptied with qorv_vdata_free() before it
+ *  is set again, since set and copy overwrite the address. */
+typedef struct QORV_VDATA {
+    uint32_t type; /**< The holder's, copied along with the bytes. */
+    int32_t size;  /**< Bytes. */
+    void *data;    /**< The copy, followed by two zero bytes that end it as text of 8 or 16 bits a character. */
+} QORV_VDATA;
+
+/**
+ * Creates an audio buffer with a reference count of 1. A sample takes (bits + 7) >> 3 bytes.
+ * @param samples   samples per channel.
+ * @param channels  channels, at most 8 (not checked); below 1 without interleaving makes a record without buffers.
+ * @param bits      bits per sample.
+ * @param attr      stored only.
+ * @param layout    1 to 99: one buffer of samples x channels, otherwise one buffer of samples for each channel.
+ * @param unused    ignored.
+ * @param alloc     allocator, or null for qorv_malloc_align32() (free is then ignored).
+ * @param free      its release function; taken as given, so it must not be null beside an allocator.
+ * @param status    null, or receives #QORV_OK, #QORV_ERR_OUT_OF_MEMORY (the record) or #QORV_ERR_ALLOC_FAILED (a buffer).
+ * @return the buffer, or null with nothing leaked. The bytes of one buffer must stay below 2^32.
+ */
+QORV_API QORV_AUDB *qorv_audb_create(uint32_t samples, int32_t channels, uint32_t bits, uint32_t attr, int32_t layout,
+                                     uint64_t unused, qorv_alloc_fn alloc, qorv_free_fn free, int32_t *status);
+
+/**
+ * Creates a bitstream buffer with a reference count of 1.
+ * @param capacity  bytes.
+ * @param type      stored only.
+ * @param unused    ignored.
+ * @param alloc     allocator, or null for the system's (free is then ignored).
+ * @param free      its release function; null keeps the bytes from being freed.
+ * @param status    null, or receives #QORV_OK, #QORV_ERR_OUT_OF_MEMORY (the record) or #QORV_ERR_BITB_ALLOC_FAILED.
+ * @return the buffer, or null with nothing leaked.
+ */
+QORV_API QORV_BITB *qorv_bitb_create(uint32_t capacity, uint32_t type, uint64_t unused, qorv_alloc_fn alloc,
+                                     qorv_free_fn free, int32_t *status);
+
+/**
+ * Creates a bare record with a reference count of 1.
+ * @param unused  ignored.
+ * @param status  null, or receives #QORV_OK or #QORV_ERR_OUT_OF_MEMORY.
+ * @return the record, or null.
+ */
+QORV_API QORV_MFAL *qorv_mfal_create(uint64_t unused, int32_t *status);
+
+/**
+ * Makes a value own a copy of another one's bytes, type included.
+ * @param dst  an empty value; what it owned before is not freed.
+ * @param src  the value to copy.
+ * @return #QORV_OK; #QORV_ERR_INVALID_ARG, with dst unchanged, for a source of fewer than 1 byte or without an address;
+ *         #QORV_ERR_OUT_OF_MEMORY with dst->data null.
+ */
+QORV_API int32_t qorv_vdata_cpy(QORV_VDATA *dst, const QORV_VDATA *src);
+
+/**
+ * Makes a value own a copy of bytes.
+ * @param dst   an empty value; what it owned before is not freed.
+ * @param data  the bytes.
+ * @param size  how many, from 1 on.
+ * @param type  stored only.
+ * @return #QORV_OK; #QORV_ERR_INVALID_ARG, with dst unchanged, for a null address or a size below 1;
+ *         #QORV_ERR_OUT_OF_MEMORY with dst->data null.
+ */
+QORV_API int32_t qorv_vdata_set(QORV_VDATA *dst, const void *data, int32_t size, uint32_t type);
+
+/**
+ * Frees what a value owns and makes it the empty value.
+ * @param vdata  the value; null is ignored.
+ */
+QORV_API void qorv_vdata_free(QORV_VDATA *vdata);
 
 /** @} */
 
@@ -631,20 +938,565 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
 /** @defgroup list Linked list
  *  @{ */
 
+/** The links of a node; an item's bytes (its payload) follow them in the same block. A node's address is its id. */
+typedef struct QORV_LIST_NODE {
+    struct QORV_LIST_NODE *prev; /**< The node before; the front sentinel points at itself. */
+    struct QORV_LIST_NODE *next; /**< The node after; the back sentinel points at itself. */
+} QORV_LIST_NODE;
+
+/**
+ * Called with an item's payload when the item leaves the list, just before its memory is freed.
+ * @param item  the payload.
+ * @return ignored.
+ */
+typedef int32_t (*qorv_item_free_fn)(void *item);
+
+/** A doubly linked list of items of one size, stored by value, with a cursor. Made by qorv_list_create(). */
+typedef struct QORV_LIST {
+    int32_t isize;               /**< Bytes of an item. */
+    int32_t cnt;                 /**< Items. */
+    QORV_LIST_NODE *head;        /**< Front sentinel. */
+    QORV_LIST_NODE *tail;        /**< Back sentinel. */
+    QORV_LIST_NODE *cur;         /**< The cursor's node, or null. */
+    qorv_item_free_fn item_free; /**< Called for each item that is removed, or null. */
+} QORV_LIST;
+
+/**
+ * Creates an empty list.
+ * @param isize      bytes of an item, from 0 on.
+ * @param item_free  null, or called for each item that is removed.
+ * @return the list, or null when the system has no memory. Freed with qorv_list_delete().
+ */
+QORV_API QORV_LIST *qorv_list_create(int32_t isize, qorv_item_free_fn item_free);
+
+/**
+ * Removes all items, front to back, and frees the list.
+ * @param list  the list; null is ignored.
+ */
+QORV_API void qorv_list_delete(QORV_LIST *list);
+
+/**
+ * Removes all items, front to back; the cursor is null afterwards.
+ * @param list  the list.
+ */
+QORV_API void qorv_list_rem_all(QORV_LIST *list);
+
+/**
+ * Appends a copy of an item.
+ * @param list  the list.
+ * @param item  isize bytes.
+ * @return the copy, or null with nothing changed when the system has no memory.
+ */
+QORV_API void *qorv_list_add(QORV_LIST *list, const void *item);
+
+/**
+ * Prepends a copy of an item.
+ * @param list  the list.
+ * @param item  isize bytes.
+ * @return the copy, or null with nothing changed when the system has no memory.
+ */
+QORV_API void *qorv_list_add_first(QORV_LIST *list, const void *item);
+
+/**
+ * Inserts a copy of an item at an end of the list. Places between items are refused: an index from 0 to cnt - 1 inserts
+ * nothing, cnt appends, a negative one prepends.
+ * @param list  the list.
+ * @param item  isize bytes.
+ * @param idx   the index.
+ * @return the copy; null with nothing changed for any other index, or when the system has no memory.
+ */
+QORV_API void *qorv_list_insert_at(QORV_LIST *list, const void *item, int32_t idx);
+
+/**
+ * The item at an index.
+ * @param list  the list.
+ * @param idx   0 to cnt - 1. A negative index counts as 0, and on an empty list gives an address that must not be used.
+ * @return the payload, or null for an index from cnt on.
+ */
+QORV_API void *qorv_list_get_at(const QORV_LIST *list, int32_t idx);
+
+/**
+ * The id of the item at an index, for qorv_list_get_atid() and qorv_list_rem_atid(); valid until the item is removed.
+ * @param list  the list.
+ * @param idx   0 to cnt - 1.
+ * @return the id, or null for any other index.
+ */
+QORV_API QORV_LIST_NODE *qorv_list_get_id(const QORV_LIST *list, int32_t idx);
+
+/**
+ * The item of an id, looked for from the front.
+ * @param list  the list.
+ * @param id    the id.
+ * @return the payload, or null when the list has no such item.
+ */
+QORV_API void *qorv_list_get_atid(const QORV_LIST *list, const QORV_LIST_NODE *id);
+
+/**
+ * The first item.
+ * @param list  the list.
+ * @return its payload, or null when the list is empty.
+ */
+QORV_API void *qorv_list_get_first(const QORV_LIST *list);
+
+/**
+ * The last item.
+ * @param list  the list.
+ * @return its payload, or null when the list is empty.
+ */
+QORV_API void *qorv_list_get_last(const QORV_LIST *list);
+
+/**
+ * The number of items.
+ * @param list  the list.
+ * @return cnt.
+ */
+QORV_API int32_t qorv_list_get_cnt(const QORV_LIST *list);
+
+/**
+ * The cursor's item.
+ * @param list  the list.
+ * @return its payload, or null when the cursor is not set.
+ */
+QORV_API void *qorv_list_get_cur(const QORV_LIST *list);
+
+/**
+ * Moves the cursor to the first item.
+ * @param list  the list.
+ * @return the item's payload; null, with the cursor unset, when the list is empty.
+ */
+QORV_API void *qorv_list_move_first(QORV_LIST *list);
+
+/**
+ * Moves the cursor to the last item.
+ * @param list  the list.
+ * @return the item's payload; null, with the cursor unset, when the list is empty.
+ */
+QORV_API void *qorv_list_move_last(QORV_LIST *list);
+
+/**
+ * Moves the cursor one item towards the back.
+ * @param list  the list.
+ * @return the item's payload; null, with the cursor unset, from the last item on.
+ */
+QORV_API void *qorv_list_move_next(QORV_LIST *list);
+
+/**
+ * Moves the cursor one item towards the front.
+ * @param list  the list.
+ * @return the item's payload; null, with the cursor unset, from the first item on.
+ */
+QORV_API void *qorv_list_move_prev(QORV_LIST *list);
+
+/**
+ * Removes the item at an index. A cursor on it moves to the next item, or is unset at the last one.
+ * @param list  the list.
+ * @param idx   0 to cnt - 1; nothing is removed for any other index.
+ */
+QORV_API void qorv_list_rem_at(QORV_LIST *list, int32_t idx);
+
+/**
+ * Removes the item of an id. A cursor on it moves to the next item, or is unset at the last one.
+ * @param list  the list.
+ * @param id    an item of this list, which is not checked.
+ */
+QORV_API void qorv_list_rem_atid(QORV_LIST *list, QORV_LIST_NODE *id);
+
+/**
+ * Removes the first item, if any. A cursor on it moves to the next item, or is unset at the last one.
+ * @param list  the list.
+ */
+QORV_API void qorv_list_rem_first(QORV_LIST *list);
+
+/**
+ * Removes the last item, if any. A cursor on it is unset.
+ * @param list  the list.
+ */
+QORV_API void qorv_list_rem_last(QORV_LIST *list);
+
+/**
+ * Removes the cursor's item, if any; the cursor moves to the next item, or is unset at the last one.
+ * @param list  the list.
+ */
+QORV_API void qorv_list_rem_cur(QORV_LIST *list);
+
+/**
+ * Removes the item before the cursor, if any. Without a cursor the last item is removed.
+ * @param list  the list.
+ */
+QORV_API void qorv_list_rem_prev(QORV_LIST *list);
+
+/**
+ * Removes the item after the cursor, if any. Without a cursor nothing is removed.
+ * @param list  the list.
+ */
+QORV_API void qorv_list_rem_next(QORV_LIST *list);
+
 /** @} */
 
 /** @defgroup rlist Recycling list
  *  @{ */
+
+/** The links of a buffer; its bytes (the payload) follow them in the same block. */
+typedef struct QORV_RLIST_NODE {
+    struct QORV_RLIST_NODE *prev; /**< Towards the free end; null at the front. */
+    struct QORV_RLIST_NODE *next; /**< Towards the oldest used buffer; null at the back. */
+} QORV_RLIST_NODE;
+
+/**
+ * A fixed pool of equal buffers that circulate first in, first out. They form one chain: the free ones in front, the used
+ * ones behind them, the oldest at the back. Made by qorv_rlist_create().
+ */
+typedef struct QORV_RLIST {
+    int32_t max;               /**< Buffers asked for at creation. */
+    int32_t isize;             /**< Bytes of a buffer. */
+    uint32_t used;             /**< Buffers handed out and not yet given back. */
+    QORV_RLIST_NODE *last;     /**< Back of the chain: the oldest used buffer, when there is one. */
+    QORV_RLIST_NODE *first;    /**< Front of the chain. */
+    QORV_RLIST_NODE *next_buf; /**< Private: the buffer to be handed out next, null when all are used. */
+} QORV_RLIST;
+
+/**
+ * Creates a pool with all buffers free.
+ * @param isize  bytes of a buffer, from 0 on.
+ * @param count  buffers. Below 1 the pool is valid but never hands one out.
+ * @return the pool, or null with nothing leaked when the system has no memory. Freed with qorv_rlist_delete().
+ */
+QORV_API QORV_RLIST *qorv_rlist_create(int32_t isize, int32_t count);
+
+/**
+ * Frees a pool and all its buffers, used ones included.
+ * @param rlist  the pool, not null.
+ */
+QORV_API void qorv_rlist_delete(QORV_RLIST *rlist);
+
+/**
+ * Hands out a free buffer, which becomes the newest used one. Takes the same time however many are used.
+ * @param rlist  the pool.
+ * @return the buffer's isize bytes, or null when all are used.
+ */
+QORV_API void *qorv_rlist_get_buf(QORV_RLIST *rlist);
+
+/**
+ * The oldest used buffer, which stays used.
+ * @param rlist  the pool.
+ * @return its bytes, or null when none is used.
+ */
+QORV_API void *qorv_rlist_get_data(const QORV_RLIST *rlist);
+
+/**
+ * Gives the oldest used buffer back; it will be handed out again after those that are free now. Does nothing when none
+ * is used.
+ * @param rlist  the pool.
+ */
+QORV_API void qorv_rlist_rem_data(QORV_RLIST *rlist);
+
+/**
+ * Gives all used buffers back, the oldest first.
+ * @param rlist  the pool.
+ */
+QORV_API void qorv_rlist_rem_all(QORV_RLIST *rlist);
+
+/**
+ * The number of used buffers.
+ * @param rlist  the pool.
+ * @return used.
+ */
+QORV_API int32_t qorv_rlist_get_used_cnt(const QORV_RLIST *rlist);
+
+/**
+ * The number of free buffers.
+ * @param rlist  the pool.
+ * @return max - used; negative for a pool made with a negative count.
+ */
+QORV_API int32_t qorv_rlist_get_free_cnt(const QORV_RLIST *rlist);
 
 /** @} */
 
 /** @defgroup rbuf Ring buffer
  *  @{ */
 
+/**
+ * A ring of bytes. Made by qorv_rbuf_create(). One byte stays free: the ring is empty when wr = rd and full when
+ * wr = (rd + size - 1) mod size.
+ *
+ * The positions are defined by the formulas of each function, and two of them leave 0 to size - 1: a put or a direct
+ * write that exactly fills the storage while rd is 0 leaves wr at size, and taking a line may move rd one past wr or past
+ * the storage, after which one length or result may be -1. A caller who never holds more than size - 1 bytes and ends
+ * every line with CR LF meets neither.
+ */
+typedef struct QORV_RBUF {
+    int32_t wr;   /**< Write position. */
+    int32_t rd;   /**< Read position. */
+    int32_t size; /**< Bytes of storage; the capacity is one less. */
+    uint8_t *buf; /**< The storage. */
+} QORV_RBUF;
+
+/**
+ * Creates an empty ring.
+ * @param size  bytes of storage, from 1 on.
+ * @return the ring, or null when the system has no memory. Freed with qorv_rbuf_delete().
+ */
+QORV_API QORV_RBUF *qorv_rbuf_create(int32_t size);
+
+/**
+ * Frees a ring and its storage.
+ * @param rbuf  the ring; null is ignored.
+ */
+QORV_API void qorv_rbuf_delete(QORV_RBUF *rbuf);
+
+/**
+ * Discards the contents: rd = wr.
+ * @param rbuf  the ring.
+ */
+QORV_API void qorv_rbuf_empty(QORV_RBUF *rbuf);
+
+/**
+ * Stores all bytes or none.
+ *
+ * Odd ends: with rd = 0, n = size - wr bytes are accepted although that leaves wr at size. When the bytes would wrap and then not fit, those up to the end of the storage are overwritten although
+ * the put is refused.
+ * @param rbuf  the ring.
+ * @param data  the bytes.
+ * @param n     how many, from 0 on.
+ * @return n, or 0 when they do not fit.
+ */
+QORV_API int32_t qorv_rbuf_put(QORV_RBUF *rbuf, const void *data, int32_t n);
+
+/**
+ * Takes as many bytes as there are, up to n.
+ * @param rbuf  the ring.
+ * @param dest  room for n bytes.
+ * @param n     bytes wanted, from 0 on.
+ * @return bytes taken.
+ */
+QORV_API int32_t qorv_rbuf_get(QORV_RBUF *rbuf, void *dest, int32_t n);
+
+/**
+ * Takes one line of text: up to a line feed, with its ending made CR LF and a zero byte after it.
+ *
+ * Odd ends. A line that ends in LF alone is followed by the loss of one byte: rd moves past the line and one byte more,
+ * which may take it past wr (the ring then appears to hold size - 2 bytes) or past the storage. When the contents wrap:
+ * - a dsize of at most t, the bytes from rd to the end of the storage, does not limit the line: up to t bytes are looked
+ *   at, and nothing beyond them;
+ * - a zero byte before the end of the storage is passed over, as are the bytes between it and the end;
+ * - a CR as the last byte of the storage and an LF as its first one end the line with length t + 2, although the text is
+ *   t + 1 bytes long, a byte that is left as it was follows it, and the zero byte comes after that one.
+ * @param rbuf   the ring.
+ * @param dest   receives the line. Room for the larger of dsize and the ring's size, and 2 bytes more: a rewritten
+ *               ending and the zero byte may reach index dsize + 1.
+ * @param dsize  limit of the search: dsize - 1 bytes when the contents are in one piece, dsize bytes when they wrap.
+ * @return length of the text with its ending; 0, with nothing taken but dest written, when the ring is empty, when there
+ *         is no line feed within the limit, or when a zero byte comes first.
+ */
+QORV_API int32_t qorv_rbuf_get_one_line(QORV_RBUF *rbuf, char *dest, int32_t dsize);
+
+/**
+ * The free region that begins at the write position, to be written in place; then qorv_rbuf_skip_head().
+ * @param rbuf  the ring.
+ * @param ptr   receives the region's address, null when the ring is full.
+ * @param len   receives its length as qorv_rbuf_get_freec_len(), 0 when the ring is full.
+ * @return 0.
+ */
+QORV_API int32_t qorv_rbuf_get_head(const QORV_RBUF *rbuf, void **ptr, int32_t *len);
+
+/**
+ * The filled region that begins at the read position, to be read in place; then qorv_rbuf_skip_tail().
+ * @param rbuf  the ring.
+ * @param ptr   receives the region's address, null when the ring is empty.
+ * @param len   receives its length as qorv_rbuf_get_fillc_len(), 0 when the ring is empty.
+ * @return 0.
+ */
+QORV_API int32_t qorv_rbuf_get_tail(const QORV_RBUF *rbuf, void **ptr, int32_t *len);
+
+/**
+ * Commits bytes written in place. Odd end: with rd = 0 and n >= size - wr nothing is committed, although the result is
+ * min(size - wr - 1, n).
+ * @param rbuf  the ring.
+ * @param n     bytes, from 0 on.
+ * @return bytes committed, but for the odd end.
+ */
+QORV_API int32_t qorv_rbuf_skip_head(QORV_RBUF *rbuf, int32_t n);
+
+/**
+ * Commits bytes read in place.
+ * @param rbuf  the ring.
+ * @param n     bytes, from 0 on.
+ * @return bytes committed, at most as many as there are.
+ */
+QORV_API int32_t qorv_rbuf_skip_tail(QORV_RBUF *rbuf, int32_t n);
+
+/**
+ * The free bytes, by formula: rd - wr - 1 when rd > wr, else rd - wr + size + 1. The latter is 2 more than a put accepts
+ * (an empty ring reports size + 1).
+ * @param rbuf  the ring.
+ * @return the formula's value.
+ */
+QORV_API int32_t qorv_rbuf_get_free_len(const QORV_RBUF *rbuf);
+
+/**
+ * The free bytes in one piece at the write position: rd - wr - 1 when rd > wr, else size - wr, less 1 when rd = 0.
+ * @param rbuf  the ring.
+ * @return the formula's value.
+ */
+QORV_API int32_t qorv_rbuf_get_freec_len(const QORV_RBUF *rbuf);
+
+/**
+ * The filled bytes, by formula: wr - rd when wr >= rd, else wr + size - rd - 1, which is 1 fewer than there are.
+ * @param rbuf  the ring.
+ * @return the formula's value.
+ */
+QORV_API int32_t qorv_rbuf_get_fill_len(const QORV_RBUF *rbuf);
+
+/**
+ * The filled bytes in one piece at the read position: (size when rd > wr, else wr) - rd.
+ * @param rbuf  the ring.
+ * @return the formula's value.
+ */
+QORV_API int32_t qorv_rbuf_get_fillc_len(const QORV_RBUF *rbuf);
+
+/**
+ * The capacity.
+ * @param rbuf  the ring.
+ * @return size - 1.
+ */
+QORV_API int32_t qorv_rbuf_get_tot_len(const QORV_RBUF *rbuf);
+
+/**
+ * Whether the ring is full.
+ * @param rbuf  the ring.
+ * @return 1 or 0.
+ */
+QORV_API int32_t qorv_rbuf_is_full(const QORV_RBUF *rbuf);
+
+/**
+ * Whether the ring is empty.
+ * @param rbuf  the ring.
+ * @return 1 or 0.
+ */
+QORV_API int32_t qorv_rbuf_is_empty(const QORV_RBUF *rbuf);
+
 /** @} */
 
 /** @defgroup text Strings and URIs
  *  @{ */
+
+/* Strings end with a zero byte and are shorter than 2^31 bytes; L is a string's length. Blanks are space, tab, LF and CR.
+ * Results point into the caller's string. */
+
+/**
+ * The first byte that is not blank.
+ * @param str  the string, or null.
+ * @return that byte, or null when there is none.
+ */
+QORV_API const char *qorv_str_move_to_validw(const char *str);
+
+/**
+ * The last byte of the first word. Odd ends: a string, or a word at its end, of one byte is its own result whatever the
+ * byte; the string's last byte is not looked at, so that a word that ends the string, or that only one blank follows,
+ * gives null.
+ * @param str  the string.
+ * @return that byte, or null.
+ */
+QORV_API const char *qorv_str_move_to_eow(const char *str);
+
+/**
+ * The first byte that is not blank, the string's last byte not looked at.
+ * @param str  the string.
+ * @return that byte, or null.
+ */
+QORV_API const char *qorv_str_move_to_nextw(const char *str);
+
+/**
+ * The end of the line: its LF, the LF of its CR LF, or its lone CR (not the byte after it). A line end that is the
+ * string's last byte is not found.
+ * @param str  the string.
+ * @return the last byte of the line's ending, or null.
+ */
+QORV_API const char *qorv_str_move_to_nextl(const char *str);
+
+/**
+ * Cuts a field at a byte, or at the first CR or LF. Without any of them the whole string is the field.
+ * @param str   the string.
+ * @param c     the byte.
+ * @param len   receives the field's length, 0 on failure.
+ * @param next  null, or receives the byte after the one that ended the field (of CR LF that is the LF); null when the
+ *              string ends there.
+ * @return 0, or -1 for an empty string.
+ */
+QORV_API int32_t qorv_str_parse_by_ctok(const char *str, char c, uint32_t *len, const char **next);
+
+/**
+ * Cuts a field at a token, or at the first CR or LF. Unlike qorv_str_parse_by_ctok() it fails without any of them.
+ * @param str   the string.
+ * @param tok   the token; an empty one gives a field of length 0.
+ * @param len   receives the field's length, 0 on failure.
+ * @param next  null, or receives the byte after the token or after the CR or LF; null when the string ends there.
+ * @return 0, or -1.
+ */
+QORV_API int32_t qorv_str_parse_by_stok(const char *str, const char *tok, uint32_t *len, const char **next);
+
+/**
+ * Cuts a line at LF or CR LF.
+ * @param str   the string.
+ * @param len   receives the line's length without its ending. Odd end: without an ending it receives L although the call
+ *              fails. 0 on other failures.
+ * @param next  null, or receives the byte after the ending, null when the string ends there.
+ * @return 0; -1 for an empty string, one without a line ending, or one whose first CR has no LF after it.
+ */
+QORV_API int32_t qorv_str_parse_one_line(const char *str, uint32_t *len, const char **next);
+
+/**
+ * Does nothing.
+ * @param str  not read, may be null.
+ * @return 0.
+ */
+QORV_API int32_t qorv_str_get_one_az09(const char *str);
+
+/**
+ * Copies a string with every space made "%20". No other byte is escaped.
+ * @param src  the string.
+ * @param dst  room for 3 L + 1 bytes; must not overlap the source.
+ * @return the length of the copy.
+ */
+QORV_API int32_t qorv_str_conv_a2uri(const char *src, char *dst);
+
+/**
+ * Copies a string with every "%" and the two bytes after it made one byte.
+ *
+ * Odd ends: the two are read as decimal digits d1 and d2 and give 16 d1 + d2; any other byte, hexadecimal letters
+ * included, counts as 0, so "%2F" gives a space. Bytes missing at the string's end count as 0 too; "%00" and the like put
+ * a zero byte into the copy. "+" is left alone.
+ * @param src  the string.
+ * @param dst  room for L + 1 bytes; must not overlap the source.
+ * @return the bytes written before the terminating zero.
+ */
+QORV_API int32_t qorv_str_conv_uri2a(const char *src, char *dst);
+
+/**
+ * Splits scheme "://" host ":" port "/" path, after leading blanks. Each output is text; the port is not converted.
+ *
+ * Odd ends, kept because callers rely on the outputs as they are:
+ * - A CR or LF before any "://" ends the scheme, and the rest begins after it.
+ * - The first ":" or CR or LF of the rest that has text after it separates host and port: a colon in the path does, and
+ *   so does the CR of a CR LF that ends the URI (the port is then empty, which fails).
+ * - With a port, the path's length is that of the text from "/" to the end of the line, but its bytes are those of the
+ *   next line, at most up to that one's end of string; without a next line the path is empty.
+ * - A CR without LF in the path's text leaves the path empty, and so does no text after the "/".
+ * - Without a port, a rest that begins with "/" (or is a single line end) is copied to path as a whole, line end
+ *   included.
+ * A path that does not begin with "/" gets one.
+ *
+ * @param uri     the string, or null.
+ * @param scheme  receives the scheme; this and the next three have room for L + 2 bytes each, do not overlap the string
+ *                and are empty where nothing is stored, on failure too.
+ * @param host    receives the host.
+ * @param port    receives the port.
+ * @param path    receives the path.
+ * @param next    receives the text after the URI's line, null when there is none.
+ * @return 0; -1 for null, a blank string, a string without "://" or line end, nothing after it, or an empty port.
+ */
+QORV_API int32_t qorv_str_parse_uri(const char *uri, char *scheme, char *host, char *port, char *path,
+                                    const char **next);
 
 /** @} */
 
