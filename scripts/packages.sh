@@ -1,0 +1,20 @@
+# Sourced by the other scripts: installs Debian packages that are missing.
+
+packages_build="g++ cmake ninja-build pkg-config googletest libpng-dev libcli11-dev ffmpeg python3"
+packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg-dev libx264-dev libssl-dev
+  libopencv-core-dev libopencv-imgproc-dev"
+packages_check="gcc clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
+  g++-aarch64-linux-gnu qemu-user"
+
+need_packages() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "Installing: ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
