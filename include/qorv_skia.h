@@ -610,12 +610,287 @@ QORV_API void qorv_vdata_free(QORV_VDATA *vdata);
 /** @} */
 
 /** @defgroup bsr Bit reader
+ *  Reads a byte buffer as a stream of bits, the most significant bit of each byte first, through a 32-bit cache word
+ *  that a replaceable function refills. The caller owns record and buffer; there is nothing to free.
+ *
+ *  Stream position in bits: 8 x (cur - beg) - leftbits. Once the data ends, reads keep failing and nothing moves.
+ *  Shift counts act modulo 32 wherever a debt (negative leftbits) leads outside 0 to 31.
  *  @{ */
+
+typedef struct QORV_BSR QORV_BSR;
+
+/**
+ * A refill. It replaces `code` by the next n = min(count, bytes left) bytes, the first in bits 31..24, zero bits below,
+ * advances `cur` past what it consumed and sets `leftbits` to 8 n. It may drop or transform bytes on the way, such as
+ * emulation-prevention bytes; the record may then be the first member of a larger one that holds its state. No
+ * operation but qorv_bsr_peek() and qorv_bsr_skip_peek() looks at the buffer itself.
+ * @param bsr    the reader; the bits still in `code` have been taken care of by the caller.
+ * @param count  bytes wanted, 1 to 4.
+ * @return 0; or #QORV_ERR when no byte is left, with `code` and `leftbits` 0.
+ */
+typedef int32_t (*QORV_BSR_FN_FLUSH)(QORV_BSR *bsr, int32_t count);
+
+/** A bit reader, set up by qorv_bsr_init(). */
+struct QORV_BSR {
+    uint32_t code;              /**< Cache word: the next unread bits from bit 31 downwards, zeros below them. */
+    int32_t leftbits;           /**< Unread bits in `code`, 0 to 32; negative: bits to be dropped from the next word. */
+    const uint8_t *cur;         /**< Next byte to load. */
+    const uint8_t *end;         /**< Last byte of the buffer: beg + size - 1. */
+    const uint8_t *beg;         /**< First byte of the buffer. */
+    int32_t size;               /**< Bytes in the buffer. */
+    QORV_BSR_FN_FLUSH fn_flush; /**< The refill. */
+};
+
+/**
+ * Sets a reader to the beginning of a buffer. Loads nothing yet.
+ * @param bsr       the reader; whatever it held is forgotten.
+ * @param buf       the buffer, never written to.
+ * @param size      its bytes, 0 to 2^31 - 1.
+ * @param fn_flush  the refill, or null for qorv_bsr_flush().
+ */
+QORV_API void qorv_bsr_init(QORV_BSR *bsr, const void *buf, int32_t size, QORV_BSR_FN_FLUSH fn_flush);
+
+/**
+ * The default refill: loads bytes as they are. See #QORV_BSR_FN_FLUSH.
+ * @param bsr    the reader.
+ * @param count  bytes wanted, 1 to 4.
+ * @return 0, or #QORV_ERR when no byte is left.
+ */
+QORV_API int32_t qorv_bsr_flush(QORV_BSR *bsr, int32_t count);
+
+/**
+ * Drops bits. Returns early, with an empty cache, when a refill is needed and fails.
+ * @param bsr  the reader.
+ * @param n    bits, 1 to 32. When the refill brings fewer than are needed, leftbits becomes negative by the shortfall.
+ */
+QORV_API void qorv_bsr_skip(QORV_BSR *bsr, int32_t n);
+
+/**
+ * qorv_bsr_skip() followed by qorv_bsr_peek().
+ * @param bsr   the reader.
+ * @param skip  bits to drop, 1 to 32.
+ * @param n     bits to look at, 1 to 32.
+ * @return the n bits; 0 when the refill for the skip fails.
+ */
+QORV_API uint32_t qorv_bsr_skip_peek(QORV_BSR *bsr, int32_t skip, int32_t n);
+
+/**
+ * Looks at the next bits without consuming them. The cache is topped up with whole bytes; where it has no room for one,
+ * the last bits (at most 7) come straight from the byte at `cur`, past the refill.
+ * @param bsr  the reader.
+ * @param n    bits, 1 to 32.
+ * @return the n bits right-aligned; those beyond the end of the data are 0.
+ */
+QORV_API uint32_t qorv_bsr_peek(QORV_BSR *bsr, int32_t n);
+
+/**
+ * Reads a field.
+ * @param bsr  the reader.
+ * @param n    bits, 1 to 32. When the refill brings fewer than are needed, the missing low bits read as 0 and leftbits
+ *             becomes negative by the shortfall (when a whole word was needed of the refill, the cache is just empty).
+ * @return the n bits right-aligned; 0xFFFFFFFF when a refill is needed and fails.
+ */
+QORV_API uint32_t qorv_bsr_read(QORV_BSR *bsr, int32_t n);
+
+/**
+ * Reads one bit.
+ * @param bsr  the reader.
+ * @return 0 or 1; 0xFFFFFFFF when a refill is needed and fails.
+ */
+QORV_API uint32_t qorv_bsr_read1(QORV_BSR *bsr);
+
+/**
+ * Leading zero bits of a word.
+ * @param code  any word.
+ * @return 0 to 32; 32 for 0.
+ */
+QORV_API uint32_t qorv_bsr_clz_in_code(uint32_t code);
+
+/**
+ * Drops the bits up to the next byte boundary, none when the position is on one.
+ * @param bsr  the reader.
+ */
+QORV_API void qorv_bsr_skip_align8(QORV_BSR *bsr);
+
+/**
+ * Reads the bits up to the next byte boundary.
+ * @param bsr    the reader.
+ * @param count  null, or receives the number of bits, 0 to 7.
+ * @return the bits right-aligned; 0 when there are none.
+ */
+QORV_API uint32_t qorv_bsr_read_align8(QORV_BSR *bsr, uint32_t *count);
+
+/**
+ * Reads an unsigned Exp-Golomb code, ue(v) of ITU-T H.264 and H.265: z zeros, a one and z bits b stand for 2^z - 1 + b.
+ * @param bsr  the reader.
+ * @return 0 to 65534; larger code numbers are not supported and give an unspecified value. 0xFFFFFFFE
+ *         (#QORV_ERR_BSR_REFILL) when the data ends inside the code.
+ */
+QORV_API uint32_t qorv_bsr_read_ue(QORV_BSR *bsr);
+
+/**
+ * Reads a signed Exp-Golomb code, se(v): the code numbers 0, 1, 2, 3, 4 stand for 0, 1, -1, 2, -2.
+ * @param bsr  the reader.
+ * @return -32767 to 32767. The end of the data gives 1, as 0xFFFFFFFE is mapped like any other number.
+ */
+QORV_API int32_t qorv_bsr_read_se(QORV_BSR *bsr);
+
+/**
+ * Reads a truncated Exp-Golomb code, te(v).
+ * @param bsr  the reader.
+ * @param max  largest value that can occur. 1: a single inverted bit; from 2 on qorv_bsr_read_ue(); below 1 nothing is
+ *             read.
+ * @return the value; 0 for max below 1; 2 when the single bit cannot be refilled.
+ */
+QORV_API uint32_t qorv_bsr_read_te(QORV_BSR *bsr, int32_t max);
+
+/**
+ * Reads a unary code: ones, ended by a zero.
+ *
+ * The count ends with the cache word. When the cached bits (1 to 31 of them) are all ones the result is their number
+ * and leftbits becomes -1, whatever follows: the next operation that refills drops the first bit of the new word. A
+ * full cache of 32 bits that begins with a one is taken for 32 ones, unseen.
+ * @param bsr  the reader.
+ * @return the number of ones. The end of the data is not reported: the ones counted so far.
+ */
+QORV_API uint32_t qorv_bsr_read_un(QORV_BSR *bsr);
+
+/**
+ * Reads a truncated unary code: up to max ones, ended by a zero when there are fewer. The cache word limits the count
+ * as in qorv_bsr_read_un(). Exactly max ones followed by a zero consume the zero too; when more ones follow in the
+ * cache, max bits are consumed.
+ * @param bsr  the reader.
+ * @param max  largest value that can occur.
+ * @return the number of ones, at most max.
+ */
+QORV_API uint32_t qorv_bsr_read_tu(QORV_BSR *bsr, int32_t max);
+
+/**
+ * Base-2 logarithm, rounded up.
+ * @param v  any value.
+ * @return 0 to 32; 0 for 0.
+ */
+QORV_API int32_t qorv_ceil_log2(uint32_t v);
+
+/**
+ * Base-2 logarithm, rounded down.
+ * @param v  any value.
+ * @return 0 to 31; -1 for 0.
+ */
+QORV_API int32_t qorv_floor_log2(uint32_t v);
 
 /** @} */
 
 /** @defgroup bsw Bit writer
+ *  Writes bits into a byte buffer, the most significant bit of each byte first, through a 32-bit cache word that a
+ *  replaceable function stores. The caller owns record and buffer. Bytes written after a sink: cur - beg.
+ *  Shift counts act modulo 32.
  *  @{ */
+
+typedef struct QORV_BSW QORV_BSW;
+
+/**
+ * A flush. It stores the bytes of `code` that hold written bits, (39 - leftbits) >> 3 of them from bits 31..24
+ * downwards, at `cur` and advances `cur`. The room has been checked by the caller, who also resets the cache
+ * afterwards. The default flush checks nothing and shifts `code` by what it stored.
+ * @param bsw  the writer.
+ * @return a status; the default flush gives 0. Only qorv_bsw_deinit() hands it on, the others ignore it.
+ */
+typedef int32_t (*QORV_BSW_FN_FLUSH)(QORV_BSW *bsw);
+
+/** A bit writer, set up by qorv_bsw_init(). */
+struct QORV_BSW {
+    uint32_t code;              /**< Cache word: bits not yet stored, from bit 31 downwards, zeros below them. */
+    int32_t leftbits;           /**< Free bits in `code`: 32 when it is empty, 0 when it is full. */
+    uint8_t *cur;               /**< Next byte to store. */
+    uint8_t *end;               /**< Last byte of the buffer: beg + size - 1. */
+    uint8_t *beg;               /**< First byte of the buffer. */
+    int32_t size;               /**< Bytes in the buffer. */
+    QORV_BSW_FN_FLUSH fn_flush; /**< The flush. */
+};
+
+/**
+ * Sets a writer to the beginning of a buffer.
+ * @param bsw       the writer; whatever it held is forgotten.
+ * @param buf       the buffer.
+ * @param size      its bytes. See qorv_bsw_write() and qorv_bsw_write1() for how close to its end they go.
+ * @param fn_flush  the flush, or null for the default.
+ * @return bsw.
+ */
+QORV_API QORV_BSW *qorv_bsw_init(QORV_BSW *bsw, void *buf, int32_t size, QORV_BSW_FN_FLUSH fn_flush);
+
+/**
+ * Ends writing: calls the flush once for the pending bits, without a check for room, and resets nothing.
+ * @param bsw  the writer.
+ * @return what the flush returned.
+ */
+QORV_API int32_t qorv_bsw_deinit(QORV_BSW *bsw);
+
+/**
+ * Writes one bit. A cache that fills up is stored as soon as one byte of room is left, so up to three bytes go past a
+ * buffer whose size is no multiple of four: leave that slack, or use qorv_bsw_write().
+ * @param bsw  the writer.
+ * @param bit  bit 0 is written, the others are ignored.
+ * @return #QORV_OK; or #QORV_ERR when the cache is full and `cur` is past `end`, the bit being kept in the cache.
+ */
+QORV_API int32_t qorv_bsw_write1(QORV_BSW *bsw, uint32_t bit);
+
+/**
+ * Writes a field. Never writes past the buffer: a cache that fills up is stored only while five bytes of room are left.
+ * @param bsw    the writer.
+ * @param value  the field, below 2^n.
+ * @param n      bits, 1 to 32. A 32-bit field that meets an empty cache is stored and left in the cache as well, which
+ *               counts as empty: the next bits are or-ed into it. Write such a field in two halves.
+ * @return #QORV_OK; or #QORV_ERR when the cache is full and fewer than five bytes remain, with the bits that fitted
+ * kept in the cache and nothing else changed.
+ */
+QORV_API int32_t qorv_bsw_write(QORV_BSW *bsw, uint32_t value, int32_t n);
+
+/**
+ * Writes an unsigned Exp-Golomb code, see qorv_bsr_read_ue(). Lack of room is not reported: see qorv_bsw_write() for
+ * where it begins.
+ * @param bsw    the writer.
+ * @param value  0 to 65534; the output for larger ones is unspecified.
+ */
+QORV_API void qorv_bsw_write_ue(QORV_BSW *bsw, uint32_t value);
+
+/**
+ * Writes a signed Exp-Golomb code, see qorv_bsr_read_se(). Lack of room is not reported.
+ * @param bsw    the writer.
+ * @param value  -32767 to 32767; the output for others is unspecified.
+ */
+QORV_API void qorv_bsw_write_se(QORV_BSW *bsw, int32_t value);
+
+/**
+ * Writes a truncated Exp-Golomb code, see qorv_bsr_read_te(). Lack of room is not reported.
+ * @param bsw    the writer.
+ * @param value  the value, at most max.
+ * @param max    largest value that can occur. 1: the inverse of bit 0 as one bit, stored as by qorv_bsw_write1(); from
+ * 2 on qorv_bsw_write_ue(); below 1 nothing is written.
+ */
+QORV_API void qorv_bsw_write_te(QORV_BSW *bsw, uint32_t value, int32_t max);
+
+/**
+ * Stores the pending bits, the last byte filled up with zero bits, and empties the cache; no stop bit is added. Writing
+ * may go on, from a byte boundary.
+ * @param bsw  the writer.
+ * @return #QORV_OK; or #QORV_ERR, with nothing changed, unless one byte more than is pending is free.
+ */
+QORV_API int32_t qorv_bsw_sink(QORV_BSW *bsw);
+
+/**
+ * Length of an unsigned Exp-Golomb code.
+ * @param value  0 to 65534.
+ * @return bits, 1 to 31.
+ */
+QORV_API int32_t qorv_bsw_size_ue(uint32_t value);
+
+/**
+ * Length of a signed Exp-Golomb code.
+ * @param value  -32767 to 32767.
+ * @return bits, 1 to 31.
+ */
+QORV_API int32_t qorv_bsw_size_se(int32_t value);
 
 /** @} */
 
@@ -1504,10 +1779,164 @@ QORV_API int32_t qorv_str_parse_uri(const char *uri, char *scheme, char *host, c
 /** @defgroup media Media types and key frames
  *  @{ */
 
+#define QORV_MT_NONE 0        /**< Known to no class. */
+#define QORV_MT_VID_MPEG4 102 /**< MPEG-4 part 2: DX50 dx50 DIV4 div4 DIVX divx XVID xvid FMP4 M4S2 m4s2 MP4V mp4v. */
+#define QORV_MT_VID_H263 103  /**< H.263: H263 h263 d263 s263. */
+#define QORV_MT_VID_H264 104  /**< H.264: AVC1 avc1 avcC H264 h264 x264. */
+#define QORV_MT_VID_WMV1 105  /**< Windows Media Video 7: WMV1 wmv1. */
+#define QORV_MT_VID_WMV2 106  /**< Windows Media Video 8: WMV2 wmv2. */
+#define QORV_MT_VID_WMV3 107  /**< Windows Media Video 9: WMV3 wmv3. */
+#define QORV_MT_VID_DIV3 110  /**< MS-MPEG-4 version 3: DIV3 div3. */
+#define QORV_MT_VID_H263_OTHER 111 /**< H.263 under another name: no tag leads here, a caller may set it. */
+#define QORV_MT_VID_RV10 113       /**< RealVideo 1: RV10. */
+#define QORV_MT_VID_RV20 114       /**< RealVideo 2: RV20. */
+#define QORV_MT_VID_RV30 115       /**< RealVideo 3: RV30. */
+#define QORV_MT_VID_RV40 116       /**< RealVideo 4: RV40. */
+#define QORV_MT_VID_MP43 117       /**< MS-MPEG-4 version 3 under its own tag: MP43 mp43. */
+#define QORV_MT_VID_VC1 118        /**< VC-1 advanced profile: WVC1 wvc1. */
+#define QORV_MT_VID_VP8 119        /**< VP8: VP80. */
+#define QORV_MT_VID_HEVC 120       /**< HEVC: HVC1 hvc1 hvcC H265 h265 x265. */
+#define QORV_MT_VID_HFYU 122       /**< HuffYUV: HFYU. */
+#define QORV_MT_VID_UNKNOWN 299    /**< No video tag. */
+
+#define QORV_MT_AUD_PCM 300          /**< PCM: WAVE tag 1. */
+#define QORV_MT_AUD_ALAW 301         /**< G.711 A-law: WAVE tag 6. */
+#define QORV_MT_AUD_MULAW 302        /**< G.711 mu-law: WAVE tag 7. */
+#define QORV_MT_AUD_MPEG 304         /**< MPEG audio layers 1 and 2: WAVE tag 80. */
+#define QORV_MT_AUD_MP3 305          /**< MPEG audio layer 3: WAVE tag 85. */
+#define QORV_MT_AUD_AAC 306          /**< AAC: WAVE tag 255, "aac " mp4a. */
+#define QORV_MT_AUD_AC3 307          /**< AC-3: WAVE tag 8192. */
+#define QORV_MT_AUD_DTS 308          /**< DTS: WAVE tag 8193. */
+#define QORV_MT_AUD_AMR_NB 309       /**< AMR narrow band: samr. */
+#define QORV_MT_AUD_AMR_WB 310       /**< AMR wide band: sawb. */
+#define QORV_MT_AUD_QCELP 311        /**< QCELP: sqcp dqcp. */
+#define QORV_MT_AUD_WMA 312          /**< Windows Media Audio: WAVE tags 352, 353. */
+#define QORV_MT_AUD_WMA_PRO 313      /**< Windows Media Audio Professional: WAVE tag 354. */
+#define QORV_MT_AUD_WMA_LOSSLESS 314 /**< Windows Media Audio Lossless: WAVE tag 355. */
+#define QORV_MT_AUD_EVRC 321         /**< EVRC: evrc. */
+#define QORV_MT_AUD_SIPR 331         /**< RealAudio SIPR: sipr. */
+#define QORV_MT_AUD_COOK 332         /**< RealAudio Cook: cook. */
+#define QORV_MT_AUD_UNKNOWN 499      /**< No audio tag. */
+
+#define QORV_MT_DRM_DIVX 1100    /**< DivX protection: divx DIVX. */
+#define QORV_MT_DRM_UNKNOWN 1299 /**< No DRM tag. */
+
+#define QORV_MT_SUB_SRT 3000     /**< SubRip: SSRT. */
+#define QORV_MT_SUB_TX3G 3006    /**< 3GPP timed text: TX3G tx3g SBTL sbtl. */
+#define QORV_MT_SUB_ASS 3007     /**< Advanced SubStation Alpha: SASS. */
+#define QORV_MT_SUB_SSA 3008     /**< SubStation Alpha: SSSA. */
+#define QORV_MT_SUB_UNKNOWN 3199 /**< No subtitle tag. */
+
+/** Builds a four-character code: the first character in the least significant byte. */
+#define QORV_FCC(a, b, c, d) \
+    ((uint32_t)(uint8_t)(a) | (uint32_t)(uint8_t)(b) << 8 | (uint32_t)(uint8_t)(c) << 16 | (uint32_t)(uint8_t)(d) << 24)
+
+/**
+ * The media type of an audio tag.
+ * @param tag  WAVE format tag (a small number) or four-character code (#QORV_FCC), exactly as listed at the ids.
+ * @return QORV_MT_AUD_*; #QORV_MT_AUD_UNKNOWN for others.
+ */
+QORV_API int32_t qorv_fcc2mt_aud(uint32_t tag);
+
+/**
+ * The media type of a video code.
+ * @param fcc  four-character code (#QORV_FCC), exactly as listed at the ids.
+ * @return QORV_MT_VID_*; #QORV_MT_VID_UNKNOWN for others.
+ */
+QORV_API int32_t qorv_fcc2mt_vid(uint32_t fcc);
+
+/**
+ * The media type of a subtitle code.
+ * @param fcc  four-character code (#QORV_FCC), exactly as listed at the ids.
+ * @return QORV_MT_SUB_*; #QORV_MT_SUB_UNKNOWN for others.
+ */
+QORV_API int32_t qorv_fcc2mt_sub(uint32_t fcc);
+
+/**
+ * The media type of a DRM code.
+ * @param fcc  four-character code (#QORV_FCC), exactly as listed at the ids.
+ * @return #QORV_MT_DRM_DIVX or #QORV_MT_DRM_UNKNOWN.
+ */
+QORV_API int32_t qorv_fcc2mt_drm(uint32_t fcc);
+
+/**
+ * The media type of a tag of any class: the first of audio, video, subtitle and DRM that knows it. The codes of DRM are
+ * video codes too, so that #QORV_MT_DRM_DIVX never results.
+ * @param tag  WAVE format tag or four-character code.
+ * @return QORV_MT_*; #QORV_MT_NONE for tags that no class knows.
+ */
+QORV_API int32_t qorv_fcc2mt(uint32_t tag);
+
+/**
+ * Tells whether a compressed frame is a key frame, from its first start codes or its first byte.
+ *
+ * - H.264: the first slice NAL unit (type 1 or 5) decides; it is one of type 5. HEVC: the first NAL unit of all
+ * decides; types 19 and 20 are key frames, so a frame that begins with a parameter set is none. Both with Annex B start
+ * codes.
+ * - MPEG-4 part 2: the first VOP or short header decides. H.263: the first picture header.
+ * - WMV1, WMV2, DIV3: the first one or two bits of the frame. HFYU: always. Any other id: never.
+ *
+ * @param id    media type, QORV_MT_VID_*.
+ * @param data  the frame. For the H.263 ids the byte after the last one may be read, when a header with extended
+ * picture type and full update begins 7 bytes before the end; for WMV1, WMV2 and DIV3 the first byte is read even of an
+ * empty frame.
+ * @param size  its bytes.
+ * @return 1 for a key frame, 0 otherwise and when nothing decides.
+ */
+QORV_API int32_t qorv_is_vkeyfrm(int32_t id, const uint8_t *data, int32_t size);
+
 /** @} */
 
 /** @defgroup md5 MD5
+ *  The digest of RFC 1321, of bytes, of 16-bit samples and of pictures.
  *  @{ */
+
+/** A digest being computed, set up by qorv_md5_init(). */
+typedef struct QORV_MD5 {
+    uint32_t state[4];  /**< Chaining values A, B, C, D. */
+    uint8_t buffer[64]; /**< The incomplete block; it holds (count[0] >> 3) & 63 bytes. */
+    uint32_t count[2];  /**< Length of the message so far in bits: low word, high word. */
+} QORV_MD5;
+
+/**
+ * Begins a digest. The buffer is left as it is.
+ * @param md5  the context, in the caller's memory; it owns nothing.
+ * @return md5.
+ */
+QORV_API QORV_MD5 *qorv_md5_init(QORV_MD5 *md5);
+
+/**
+ * Adds bytes to the message.
+ * @param md5   the context.
+ * @param data  the bytes; may be null when len is 0.
+ * @param len   their number, any 32-bit value.
+ */
+QORV_API void qorv_md5_update(QORV_MD5 *md5, const void *data, uint32_t len);
+
+/**
+ * Adds 16-bit samples to the message, each as two bytes, the low one first.
+ * @param md5      the context.
+ * @param samples  the samples.
+ * @param n        their number, at most 256; split longer rows.
+ */
+QORV_API void qorv_md5_update_16(QORV_MD5 *md5, const uint16_t *samples, uint32_t n);
+
+/**
+ * Ends the message. The whole context is zero afterwards and must be initialised before it is used again.
+ * @param md5     the context.
+ * @param digest  receives the 16 bytes of the digest.
+ */
+QORV_API void qorv_md5_finish(QORV_MD5 *md5, uint8_t *digest);
+
+/**
+ * The digest of a picture: plane 0, rows y to h - 1 with w - x bytes each, and then, but for #QORV_CS_YUV400, planes 1
+ * and 2, rows y >> 1 to half(h) - 1 with half(w - x) bytes each. Every colour space is walked with this geometry of
+ * 8-bit 4:2:0, whatever its own is, and rows begin at their first sample even when x is not 0. Alpha is not hashed.
+ * @param imgb    the picture; only cs, w, h, x, y, s and a are read.
+ * @param digest  receives the 16 bytes of the digest.
+ * @return #QORV_OK; or #QORV_ERR_UNSUPPORTED_CS, with the digest untouched, for a colour space outside 10 to 99.
+ */
+QORV_API int32_t qorv_md5_imgb(const QORV_IMGB *imgb, uint8_t *digest);
 
 /** @} */
 
