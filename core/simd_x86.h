@@ -75,17 +75,6 @@ template <int Channels>
 #endif
 }
 
-template <int Channels>
-[[gnu::always_inline]] inline void store_lanes(uint8_t *p, int index, Register v) {
-    __m128i *q = reinterpret_cast<__m128i *>(p) + index;
-#if defined(QORV_ISA_IS_v3)
-    _mm_storeu_si128(q, _mm256_castsi256_si128(v));
-    _mm_storeu_si128(q + Channels, _mm256_extracti128_si256(v, 1));
-#else
-    _mm_storeu_si128(q, v);
-#endif
-}
-
 [[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
     return {(I16)load_lanes<2>(p, 0), (I16)load_lanes<2>(p, 1)};
 }
@@ -96,9 +85,44 @@ template <int Channels>
     b = (U8)QORV_MM(packus_epi16)((Register)(v0 >> 8), (Register)(v1 >> 8));
 }
 
+// Stores registers one after the other, all their first lanes before all their second ones. Whole registers are
+// stored: half as many stores wait for their cache lines.
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b) {
+#if defined(QORV_ISA_IS_v3)
+    store(p, _mm256_permute2x128_si256(a, b, 0x20));
+    store(p + 32, _mm256_permute2x128_si256(a, b, 0x31));
+#else
+    store(p, a);
+    store(p + 16, b);
+#endif
+}
+
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b, Register c) {
+#if defined(QORV_ISA_IS_v3)
+    store(p, _mm256_permute2x128_si256(a, b, 0x20));
+    store(p + 32, _mm256_blend_epi32(c, a, 0xF0));
+    store(p + 64, _mm256_permute2x128_si256(b, c, 0x31));
+#else
+    store(p, a);
+    store(p + 16, b);
+    store(p + 32, c);
+#endif
+}
+
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b, Register c, Register d) {
+#if defined(QORV_ISA_IS_v3)
+    store(p, _mm256_permute2x128_si256(a, b, 0x20));
+    store(p + 32, _mm256_permute2x128_si256(c, d, 0x20));
+    store(p + 64, _mm256_permute2x128_si256(a, b, 0x31));
+    store(p + 96, _mm256_permute2x128_si256(c, d, 0x31));
+#else
+    store_lanes(p, a, b);
+    store_lanes(p + 32, c, d);
+#endif
+}
+
 [[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
-    store_lanes<2>(p, 0, QORV_MM(unpacklo_epi8)((Register)a, (Register)b));
-    store_lanes<2>(p, 1, QORV_MM(unpackhi_epi8)((Register)a, (Register)b));
+    store_lanes(p, QORV_MM(unpacklo_epi8)((Register)a, (Register)b), QORV_MM(unpackhi_epi8)((Register)a, (Register)b));
 }
 
 // Three channels. Byte i of the j-th 16 bytes belongs to channel (i + j) % 3, for 16 % 3 is 1. Of each channel exactly
@@ -147,9 +171,7 @@ private:
     const Register sa = QORV_MM(shuffle_epi8)((Register)a, Three::to_place<0>());
     const Register sb = QORV_MM(shuffle_epi8)((Register)b, Three::to_place<1>());
     const Register sc = QORV_MM(shuffle_epi8)((Register)c, Three::to_place<2>());
-    store_lanes<3>(p, 0, Three::select(sa, sb, sc));
-    store_lanes<3>(p, 1, Three::select(sb, sc, sa));
-    store_lanes<3>(p, 2, Three::select(sc, sa, sb));
+    store_lanes(p, Three::select(sa, sb, sc), Three::select(sb, sc, sa), Three::select(sc, sa, sb));
 }
 
 // Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix
@@ -173,10 +195,8 @@ private:
     const Register ab_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
     const Register cd_lo = QORV_MM(unpacklo_epi8)((Register)c, (Register)d);
     const Register cd_hi = QORV_MM(unpackhi_epi8)((Register)c, (Register)d);
-    store_lanes<4>(p, 0, QORV_MM(unpacklo_epi16)(ab_lo, cd_lo));
-    store_lanes<4>(p, 1, QORV_MM(unpackhi_epi16)(ab_lo, cd_lo));
-    store_lanes<4>(p, 2, QORV_MM(unpacklo_epi16)(ab_hi, cd_hi));
-    store_lanes<4>(p, 3, QORV_MM(unpackhi_epi16)(ab_hi, cd_hi));
+    store_lanes(p, QORV_MM(unpacklo_epi16)(ab_lo, cd_lo), QORV_MM(unpackhi_epi16)(ab_lo, cd_lo),
+                QORV_MM(unpacklo_epi16)(ab_hi, cd_hi), QORV_MM(unpackhi_epi16)(ab_hi, cd_hi));
 }
 
 // ---- End of colour conversion ----

@@ -21,11 +21,13 @@ template <int Channels>
 struct PlanarAccess : ByteBlock {
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         Pixels block = {};
+#pragma GCC unroll 4
         for (int i = 0; i < Channels; i++) block.c[i] = qorv::QORV_ISA::load<U8>(p[i] + x);
         if (Channels == 3) block.c[3] = splat<U8>(kOpaque);
         return block;
     }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+#pragma GCC unroll 4
         for (int i = 0; i < Channels; i++) qorv::QORV_ISA::store(p[i] + x, block.c[i]);
     }
 };
@@ -108,10 +110,12 @@ struct Access<Planar3x10> {
     static constexpr ptrdiff_t kBlock = kVectorBytes / 2;
     [[gnu::always_inline]] static DeepPixels load(const uint8_t *const *p, ptrdiff_t x) {
         DeepPixels block;
+#pragma GCC unroll 4
         for (int i = 0; i < 3; i++) block.c[i] = qorv::QORV_ISA::load<U16>(p[i] + 2 * x);
         return block;
     }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const DeepPixels &block) {
+#pragma GCC unroll 4
         for (int i = 0; i < 3; i++) qorv::QORV_ISA::store(p[i] + 2 * x, block.c[i]);
     }
 };

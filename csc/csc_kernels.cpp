@@ -14,7 +14,9 @@ void convert(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *co
     constexpr ptrdiff_t kBlock = Access<Source>::kBlock;
     const uint8_t *s[kMaxChannels] = {};
     uint8_t *d[kMaxChannels] = {};
+#pragma GCC unroll 4
     for (int i = in.first; i < in.count; i++) s[i] = src[i];
+#pragma GCC unroll 4
     for (int i = out.first; i < out.count; i++) d[i] = dst[i];
 
     const auto block = [&](ptrdiff_t x) __attribute__((always_inline)) {
@@ -25,7 +27,9 @@ void convert(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *co
         for (; x <= w - kBlock; x += kBlock) block(x);
         // The rest once more as a whole block that ends with the row; what it repeats gets the same values.
         if (x < w) block(w - kBlock);
+#pragma GCC unroll 4
         for (int i = in.first; i < in.count; i++) s[i] += src_stride[i];
+#pragma GCC unroll 4
         for (int i = out.first; i < out.count; i++) d[i] += dst_stride[i];
     }
 }
@@ -37,7 +41,7 @@ constinit const CscKernels csc_kernels = {
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
 #undef QORV_KERNEL_ENTRY
-        .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
+    .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 };
 
 }  // namespace qorv::QORV_ISA

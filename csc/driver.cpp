@@ -37,20 +37,20 @@ struct Areas {
     Area area[kMaxChannels];
 };
 
-// Interleaved channels whose bytes lie within one pixel of each other, none on another's place, are one area.
+// Bytes of one step whose places lie within one pixel of each other, none on another's, are one area.
 template <class Byte>
 bool shares_pixel(const Picture<Byte> &picture, const uint8_t *&lowest) {
     const Layout &layout = picture.layout;
-    if (layout.arrangement != Arrangement::kInterleaved) return false;
-    lowest = picture.p[0];
-    for (int i = 1; i < layout.count; i++) {
-        if (picture.stride[i] != picture.stride[0]) return false;
+    const int first = layout.first, step = layout.channels[first].step;
+    lowest = picture.p[first];
+    for (int i = first; i < layout.count; i++) {
+        if (layout.channels[i].step != step || picture.stride[i] != picture.stride[first]) return false;
         if (picture.p[i] < lowest) lowest = picture.p[i];
     }
     unsigned taken = 0;
-    for (int i = 0; i < layout.count; i++) {
+    for (int i = first; i < layout.count; i++) {
         const ptrdiff_t offset = picture.p[i] - lowest;
-        if (offset >= layout.channels[i].step || (taken >> offset & 1) != 0) return false;
+        if (offset >= step || (taken >> offset & 1) != 0) return false;
         taken |= 1u << offset;
     }
     return true;
@@ -62,8 +62,8 @@ Areas areas_of(const Picture<Byte> &picture, ptrdiff_t w) {
     Areas areas;
     const uint8_t *lowest;
     if (shares_pixel(picture, lowest)) {
-        const int step = layout.channels[0].step;
-        areas.area[areas.count++] = {lowest, w * step, picture.stride[0], step};
+        const int step = layout.channels[layout.first].step;
+        areas.area[areas.count++] = {lowest, w * step, picture.stride[layout.first], step};
         return areas;
     }
     for (int i = layout.first; i < layout.count; i++) {
