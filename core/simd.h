@@ -64,39 +64,24 @@ template <class V, class T>
 // ---- Colour conversion ----
 
 // The 16-bit lanes that come from one vector of bytes, in two halves: the lower and the upper half of the bytes, or, on
-// x86, of each 128-bit lane. Sums wrap; the constants are taken modulo 2^16.
+// x86, of each 128-bit lane. Sums wrap.
 struct Wide {
-    I16 lo, hi;
+    U16 lo, hi;
 };
 
 [[gnu::always_inline]] inline Wide operator+(Wide a, Wide b) {
-    return {(I16)((U16)a.lo + (U16)b.lo), (I16)((U16)a.hi + (U16)b.hi)};
+    return {a.lo + b.lo, a.hi + b.hi};
 }
 
 [[gnu::always_inline]] inline Wide operator-(Wide a, Wide b) {
-    return {(I16)((U16)a.lo - (U16)b.lo), (I16)((U16)a.hi - (U16)b.hi)};
+    return {a.lo - b.lo, a.hi - b.hi};
 }
 
-[[gnu::always_inline]] inline Wide operator+(Wide a, int b) {
-    const U16 v = splat<U16>(b);
-    return {(I16)((U16)a.lo + v), (I16)((U16)a.hi + v)};
+[[gnu::always_inline]] inline Wide operator+(Wide a, uint16_t b) {
+    return {a.lo + b, a.hi + b};
 }
 
-[[gnu::always_inline]] inline Wide operator-(Wide a, int b) {
-    return a + -b;
-}
-
-template <int Bits>
-[[gnu::always_inline]] inline Wide shift(Wide a) {  // arithmetic
-    return {a.lo >> Bits, a.hi >> Bits};
-}
-
-template <int Bits>
-[[gnu::always_inline]] inline Wide shift_logical(Wide a) {
-    return {(I16)((U16)a.lo >> Bits), (I16)((U16)a.hi >> Bits)};
-}
-
-// The same for the 32-bit lanes that come from one vector of words.
+// The same for the signed 32-bit lanes that come from one vector of words.
 struct Wide32 {
     I32 lo, hi;
 };
@@ -120,14 +105,17 @@ template <int Bits>
 }
 
 // Below, for each architecture:
-//   weighted<A, B>(a, b)     A a + B b for bytes a, b; A, B in -128..127, every partial sum within 16 bits signed
-//   weighted<A, B>(a, b)     the same for signed words, sums in 32 bits
-//   add_saturated(a, n)      signed saturation
-//   narrow(a)                to bytes, clamped to 0..255; to words, clamped to 0..65535
-//   narrow_signed(a)         to bytes, clamped to -128..127
-//   min(a, b)                of unsigned words
-//   load_words(p)            words in the order that narrow() undoes
-//   load_interleaved2..4, store_interleaved2..4    n channels of a block, sample by sample in memory
+//   weighted<A, B>(a, b)        A a + B b for bytes a, b; A, B in -128..127, every partial sum within 16 bits signed
+//   weighted<A, B>(a, b)        the same for signed words, sums in 32 bits
+//   high_bytes(w)               bits 15..8 of each lane of a Wide
+//   high_bytes<C>(v)            (C v) >> 8 for bytes v, C in 0..255
+//   high_bytes_rounded<C>(v)    (C v + 128) >> 8
+//   narrow_rounded(w)           (w + 128) >> 8 of signed lanes, as bytes clamped to -128..127
+//   narrow(w)                   to words, clamped to 0..65535
+//   low_bytes(a, b)             bits 7..0 of the words of a, then of b
+//   add_saturated(a, b), subtract_saturated(a, b)    of bytes
+//   min(a, b)                   of words
+//   load_interleaved2..4, store_interleaved2..4      n channels of a block, sample by sample in memory
 
 // ---- End of colour conversion ----
 

@@ -8,41 +8,58 @@ namespace qorv::QORV_ISA {
 // ---- Colour conversion ----
 
 template <int A, int B>
+[[gnu::always_inline]] inline uint16x8_t weighted_half(uint8x8_t a, uint8x8_t b) {
+    constexpr auto kA = static_cast<uint8_t>(A < 0 ? -A : A), kB = static_cast<uint8_t>(B < 0 ? -B : B);
+    if constexpr (A < 0 || (A == 0 && B < 0)) {  // at least one product is to be subtracted, and no other comes first
+        if constexpr (B > 0) return vmlsl_u8(vmull_u8(b, vdup_n_u8(kB)), a, vdup_n_u8(kA));
+        return vreinterpretq_u16_s16(vnegq_s16(vreinterpretq_s16_u16(weighted_half<-A, -B>(a, b))));
+    } else if constexpr (B == 0) {
+        return vmull_u8(a, vdup_n_u8(kA));
+    } else if constexpr (A == 0) {
+        return vmull_u8(b, vdup_n_u8(kB));
+    } else if constexpr (B < 0) {
+        return vmlsl_u8(vmull_u8(a, vdup_n_u8(kA)), b, vdup_n_u8(kB));
+    } else {
+        return vmlal_u8(vmull_u8(a, vdup_n_u8(kA)), b, vdup_n_u8(kB));
+    }
+}
+
+template <int A, int B>
 [[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
-    const auto half = [](uint8x8_t x, uint8x8_t y) __attribute__((always_inline)) {
-        if constexpr (A == 1 && B == 1) {
-            return vreinterpretq_s16_u16(vaddl_u8(x, y));
-        } else if constexpr (A == 1 && B == -1) {
-            return vreinterpretq_s16_u16(vsubl_u8(x, y));
-        } else {
-            constexpr auto kA = static_cast<uint8_t>(A < 0 ? -A : A), kB = static_cast<uint8_t>(B < 0 ? -B : B);
-            if constexpr (A == 0 || B == 0) {
-                const uint16x8_t product = B == 0 ? vmull_u8(x, vdup_n_u8(kA)) : vmull_u8(y, vdup_n_u8(kB));
-                return A + B < 0 ? vnegq_s16(vreinterpretq_s16_u16(product)) : vreinterpretq_s16_u16(product);
-            } else if constexpr ((A < 0) == (B < 0)) {
-                const uint16x8_t sum = vmlal_u8(vmull_u8(x, vdup_n_u8(kA)), y, vdup_n_u8(kB));
-                return A < 0 ? vnegq_s16(vreinterpretq_s16_u16(sum)) : vreinterpretq_s16_u16(sum);
-            } else {
-                static_assert(A > 0 && B < 0);
-                return vreinterpretq_s16_u16(vmlsl_u8(vmull_u8(x, vdup_n_u8(kA)), y, vdup_n_u8(kB)));
-            }
-        }
-    };
     const uint8x16_t va = (uint8x16_t)a, vb = (uint8x16_t)b;
-    return {(I16)half(vget_low_u8(va), vget_low_u8(vb)), (I16)half(vget_high_u8(va), vget_high_u8(vb))};
+    return {(U16)weighted_half<A, B>(vget_low_u8(va), vget_low_u8(vb)),
+            (U16)weighted_half<A, B>(vget_high_u8(va), vget_high_u8(vb))};
 }
 
-[[gnu::always_inline]] inline Wide add_saturated(Wide a, int16_t b) {
-    const int16x8_t vb = vdupq_n_s16(b);
-    return {(I16)vqaddq_s16((int16x8_t)a.lo, vb), (I16)vqaddq_s16((int16x8_t)a.hi, vb)};
+[[gnu::always_inline]] inline U8 high_bytes(Wide w) {
+    return (U8)vuzp2q_u8((uint8x16_t)w.lo, (uint8x16_t)w.hi);
 }
 
-[[gnu::always_inline]] inline U8 narrow(Wide a) {
-    return (U8)vqmovun_high_s16(vqmovun_s16((int16x8_t)a.lo), (int16x8_t)a.hi);
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes(U8 v) {
+    return high_bytes(weighted<C, 0>(v, v));
 }
 
-[[gnu::always_inline]] inline U8 narrow_signed(Wide a) {
-    return (U8)vqmovn_high_s16(vqmovn_s16((int16x8_t)a.lo), (int16x8_t)a.hi);
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes_rounded(U8 v) {
+    const Wide product = weighted<C, 0>(v, v);
+    return (U8)vrshrn_high_n_u16(vrshrn_n_u16((uint16x8_t)product.lo, 8), (uint16x8_t)product.hi, 8);
+}
+
+[[gnu::always_inline]] inline U8 narrow_rounded(Wide w) {
+    return (U8)vqrshrn_high_n_s16(vqrshrn_n_s16((int16x8_t)w.lo, 8), (int16x8_t)w.hi, 8);
+}
+
+[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
+    return (U8)vuzp1q_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+
+[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
+    return (U8)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+
+[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
+    return (U8)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
 }
 
 template <int A, int B>
@@ -62,10 +79,6 @@ template <int A, int B>
 
 [[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
     return (U16)vminq_u16((uint16x8_t)a, (uint16x8_t)b);
-}
-
-[[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
-    return {load<I16>(p), load<I16>(p + sizeof(I16))};
 }
 
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {

@@ -7,74 +7,76 @@ namespace qorv::QORV_ISA {
 
 // ---- Colour conversion ----
 
-template <int A, int B>
-[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
-    Wide sum = {};
-    for (int i = 0; i < kVectorBytes / 2; i++) {
-        sum.lo[i] = static_cast<int16_t>(A * a[i] + B * b[i]);
-        sum.hi[i] = static_cast<int16_t>(A * a[i + kVectorBytes / 2] + B * b[i + kVectorBytes / 2]);
-    }
-    return sum;
-}
-
-[[gnu::always_inline]] inline Wide add_saturated(Wide a, int16_t b) {
-    const auto saturated = [b](int x) {
-        const int sum = x + b;
-        return static_cast<int16_t>(sum > INT16_MAX ? INT16_MAX : sum < INT16_MIN ? INT16_MIN : sum);
-    };
-    for (int i = 0; i < kVectorBytes / 2; i++) {
-        a.lo[i] = saturated(a.lo[i]);
-        a.hi[i] = saturated(a.hi[i]);
-    }
-    return a;
-}
-
-template <int Low, int High>
-[[gnu::always_inline]] inline U8 narrow_to_range(Wide a) {
-    const auto clamped = [](int x) { return static_cast<uint8_t>(x < Low ? Low : x > High ? High : x); };
-    U8 v = {};
-    for (int i = 0; i < kVectorBytes / 2; i++) {
-        v[i] = clamped(a.lo[i]);
-        v[i + kVectorBytes / 2] = clamped(a.hi[i]);
-    }
+// f(i) for each lane i.
+template <class V, class F>
+[[gnu::always_inline]] inline V each_lane(F f) {
+    V v = {};
+    for (int i = 0; i < static_cast<int>(sizeof(V) / sizeof(v[0])); i++) v[i] = static_cast<__typeof__(V{}[0])>(f(i));
     return v;
 }
 
-[[gnu::always_inline]] inline U8 narrow(Wide a) {
-    return narrow_to_range<0, 255>(a);
+constexpr int clamped(int x, int low, int high) {
+    return x < low ? low : x > high ? high : x;
 }
 
-[[gnu::always_inline]] inline U8 narrow_signed(Wide a) {
-    return narrow_to_range<-128, 127>(a);
+template <int A, int B>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
+    constexpr int kHalf = kVectorBytes / 2;
+    return {each_lane<U16>([&](int i) { return A * a[i] + B * b[i]; }),
+            each_lane<U16>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
+}
+
+// f(lane) of a Wide's lanes, as bytes in order.
+template <class F>
+[[gnu::always_inline]] inline U8 bytes_of(Wide w, F f) {
+    constexpr int kHalf = kVectorBytes / 2;
+    return each_lane<U8>([&](int i) { return f(i < kHalf ? w.lo[i] : w.hi[i - kHalf]); });
+}
+
+[[gnu::always_inline]] inline U8 high_bytes(Wide w) {
+    return bytes_of(w, [](uint16_t x) { return x >> 8; });
+}
+
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes(U8 v) {
+    return each_lane<U8>([&](int i) { return C * v[i] >> 8; });
+}
+
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes_rounded(U8 v) {
+    return each_lane<U8>([&](int i) { return (C * v[i] + 128) >> 8; });
+}
+
+[[gnu::always_inline]] inline U8 narrow_rounded(Wide w) {
+    return bytes_of(w, [](uint16_t x) { return clamped((static_cast<int16_t>(x) + 128) >> 8, -128, 127); });
+}
+
+[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
+    return bytes_of({a, b}, [](uint16_t x) { return x & 0xFF; });
+}
+
+[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
+    return each_lane<U8>([&](int i) { return clamped(a[i] + b[i], 0, 255); });
+}
+
+[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
+    return each_lane<U8>([&](int i) { return clamped(a[i] - b[i], 0, 255); });
 }
 
 template <int A, int B>
 [[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
-    Wide32 sum = {};
-    for (int i = 0; i < kVectorBytes / 4; i++) {
-        sum.lo[i] = A * a[i] + B * b[i];
-        sum.hi[i] = A * a[i + kVectorBytes / 4] + B * b[i + kVectorBytes / 4];
-    }
-    return sum;
+    constexpr int kHalf = kVectorBytes / 4;
+    return {each_lane<I32>([&](int i) { return A * a[i] + B * b[i]; }),
+            each_lane<I32>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
 }
 
-[[gnu::always_inline]] inline U16 narrow(Wide32 a) {
-    const auto clamped = [](int x) { return static_cast<uint16_t>(x < 0 ? 0 : x > UINT16_MAX ? UINT16_MAX : x); };
-    U16 v = {};
-    for (int i = 0; i < kVectorBytes / 4; i++) {
-        v[i] = clamped(a.lo[i]);
-        v[i + kVectorBytes / 4] = clamped(a.hi[i]);
-    }
-    return v;
+[[gnu::always_inline]] inline U16 narrow(Wide32 w) {
+    constexpr int kHalf = kVectorBytes / 4;
+    return each_lane<U16>([&](int i) { return clamped(i < kHalf ? w.lo[i] : w.hi[i - kHalf], 0, UINT16_MAX); });
 }
 
 [[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
-    for (int i = 0; i < kVectorBytes / 2; i++) a[i] = a[i] < b[i] ? a[i] : b[i];
-    return a;
-}
-
-[[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
-    return {load<I16>(p), load<I16>(p + sizeof(I16))};
+    return each_lane<U16>([&](int i) { return a[i] < b[i] ? a[i] : b[i]; });
 }
 
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {

@@ -32,21 +32,56 @@ using Register = __m128i;
 template <int A, int B>
 [[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
     const Register weights = QORV_MM(set1_epi16)(static_cast<int16_t>(B * 256 + (A & 0xFF)));
-    return {(I16)QORV_MM(maddubs_epi16)(QORV_MM(unpacklo_epi8)((Register)a, (Register)b), weights),
-            (I16)QORV_MM(maddubs_epi16)(QORV_MM(unpackhi_epi8)((Register)a, (Register)b), weights)};
+    return {(U16)QORV_MM(maddubs_epi16)(QORV_MM(unpacklo_epi8)((Register)a, (Register)b), weights),
+            (U16)QORV_MM(maddubs_epi16)(QORV_MM(unpackhi_epi8)((Register)a, (Register)b), weights)};
 }
 
-[[gnu::always_inline]] inline Wide add_saturated(Wide a, int16_t b) {
-    const Register v = QORV_MM(set1_epi16)(b);
-    return {(I16)QORV_MM(adds_epi16)((Register)a.lo, v), (I16)QORV_MM(adds_epi16)((Register)a.hi, v)};
+[[gnu::always_inline]] inline U8 high_bytes(Wide w) {
+    return (U8)QORV_MM(packus_epi16)((Register)(w.lo >> 8), (Register)(w.hi >> 8));
 }
 
-[[gnu::always_inline]] inline U8 narrow(Wide a) {
-    return (U8)QORV_MM(packus_epi16)((Register)a.lo, (Register)a.hi);
+// The upper half of (256 v + low) x C: C low / 256 is what is added before the shift.
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes_of_product(U8 v, int low) {
+    const Register factor = QORV_MM(set1_epi16)(C), lows = QORV_MM(set1_epi8)(static_cast<char>(low));
+    return (U8)QORV_MM(packus_epi16)(QORV_MM(mulhi_epu16)(QORV_MM(unpacklo_epi8)(lows, (Register)v), factor),
+                                     QORV_MM(mulhi_epu16)(QORV_MM(unpackhi_epi8)(lows, (Register)v), factor));
 }
 
-[[gnu::always_inline]] inline U8 narrow_signed(Wide a) {
-    return (U8)QORV_MM(packs_epi16)((Register)a.lo, (Register)a.hi);
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes(U8 v) {
+    return high_bytes_of_product<C>(v, 0);
+}
+
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes_rounded(U8 v) {
+    constexpr int kLow = (128 * 256 + C - 1) / C;
+    static_assert(kLow < 256 && C * kLow < 129 * 256);
+    return high_bytes_of_product<C>(v, kLow);
+}
+
+[[gnu::always_inline]] inline U8 narrow_rounded(Wide w) {
+    // The rounding multiplication gives (128 w + 2^14) >> 15.
+    const Register scale = QORV_MM(set1_epi16)(128);
+    return (U8)QORV_MM(packs_epi16)(QORV_MM(mulhrs_epi16)((Register)w.lo, scale),
+                                    QORV_MM(mulhrs_epi16)((Register)w.hi, scale));
+}
+
+[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
+    const Register packed = QORV_MM(packus_epi16)((Register)(a & 0xFF), (Register)(b & 0xFF));
+#if defined(QORV_ISA_IS_v3)
+    return (U8)_mm256_permute4x64_epi64(packed, 0xD8);  // the two lanes of a, then those of b
+#else
+    return (U8)packed;
+#endif
+}
+
+[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
+    return (U8)QORV_MM(adds_epu8)((Register)a, (Register)b);
+}
+
+[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
+    return (U8)QORV_MM(subs_epu8)((Register)a, (Register)b);
 }
 
 template <int A, int B>
@@ -73,10 +108,6 @@ template <int Channels>
 #else
     return _mm_loadu_si128(q);
 #endif
-}
-
-[[gnu::always_inline]] inline Wide load_words(const uint8_t *p) {
-    return {(I16)load_lanes<2>(p, 0), (I16)load_lanes<2>(p, 1)};
 }
 
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
@@ -125,53 +156,50 @@ template <int Channels>
     store_lanes(p, QORV_MM(unpacklo_epi8)((Register)a, (Register)b), QORV_MM(unpackhi_epi8)((Register)a, (Register)b));
 }
 
-// Three channels. Byte i of the j-th 16 bytes belongs to channel (i + j) % 3, for 16 % 3 is 1. Of each channel exactly
-// one pixel is due at each i over the three registers: pixel 11 (i - c) mod 16, as 11 x 3 = 1 mod 16. So one shuffle a
-// channel puts every byte at its place, and selects by i % 3 make the registers.
-struct ThreeChannels {
-    // All ones where i % 3 is `remainder`.
-    template <int Remainder>
-    [[gnu::always_inline]] static Register where() {
-        return bytes([](int i) { return i % 3 == Remainder ? -1 : 0; });
-    }
-    template <int Channel>
-    [[gnu::always_inline]] static Register to_place() {
-        return bytes([](int i) { return 11 * (i - Channel + 16) % 16; });
-    }
-    template <int Channel>
-    [[gnu::always_inline]] static Register from_place() {
-        return bytes([](int i) { return (3 * i + Channel) % 16; });
-    }
-    // Bytes of a where i % 3 is 0, of b where it is 1, of c where it is 2.
-    [[gnu::always_inline]] static Register select(Register a, Register b, Register c) {
-        return QORV_MM(blendv_epi8)(QORV_MM(blendv_epi8)(a, b, where<1>()), c, where<2>());
-    }
+// 16 bytes that a shuffle takes from places f(0), f(1), ...: negative gives 0.
+template <class F>
+[[gnu::always_inline]] inline Register shuffle_indices(F f) {
+    return every_lane(_mm_setr_epi8(
+        static_cast<char>(f(0)), static_cast<char>(f(1)), static_cast<char>(f(2)), static_cast<char>(f(3)),
+        static_cast<char>(f(4)), static_cast<char>(f(5)), static_cast<char>(f(6)), static_cast<char>(f(7)),
+        static_cast<char>(f(8)), static_cast<char>(f(9)), static_cast<char>(f(10)), static_cast<char>(f(11)),
+        static_cast<char>(f(12)), static_cast<char>(f(13)), static_cast<char>(f(14)), static_cast<char>(f(15))));
+}
 
-private:
-    template <class F>
-    [[gnu::always_inline]] static Register bytes(F f) {
-        return every_lane(_mm_setr_epi8(
-            static_cast<char>(f(0)), static_cast<char>(f(1)), static_cast<char>(f(2)), static_cast<char>(f(3)),
-            static_cast<char>(f(4)), static_cast<char>(f(5)), static_cast<char>(f(6)), static_cast<char>(f(7)),
-            static_cast<char>(f(8)), static_cast<char>(f(9)), static_cast<char>(f(10)), static_cast<char>(f(11)),
-            static_cast<char>(f(12)), static_cast<char>(f(13)), static_cast<char>(f(14)), static_cast<char>(f(15))));
-    }
-};
+// One of three interleaved channels: the union of a shuffle of each register.
+template <int Channel>
+[[gnu::always_inline]] inline U8 gather3(Register v0, Register v1, Register v2) {
+    const auto from = [](int index) {
+        return [index](int i) { return (3 * i + Channel) / 16 == index ? (3 * i + Channel) % 16 : -1; };
+    };
+    const Register s0 = QORV_MM(shuffle_epi8)(v0, shuffle_indices(from(0)));
+    const Register s1 = QORV_MM(shuffle_epi8)(v1, shuffle_indices(from(1)));
+    const Register s2 = QORV_MM(shuffle_epi8)(v2, shuffle_indices(from(2)));
+    return (U8)s0 | (U8)s1 | (U8)s2;
+}
 
 [[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
-    using Three = ThreeChannels;
     const Register v0 = load_lanes<3>(p, 0), v1 = load_lanes<3>(p, 1), v2 = load_lanes<3>(p, 2);
-    a = (U8)QORV_MM(shuffle_epi8)(Three::select(v0, v2, v1), Three::from_place<0>());
-    b = (U8)QORV_MM(shuffle_epi8)(Three::select(v1, v0, v2), Three::from_place<1>());
-    c = (U8)QORV_MM(shuffle_epi8)(Three::select(v2, v1, v0), Three::from_place<2>());
+    a = gather3<0>(v0, v1, v2);
+    b = gather3<1>(v0, v1, v2);
+    c = gather3<2>(v0, v1, v2);
 }
 
 [[gnu::always_inline]] inline void store_interleaved3(uint8_t *p, U8 a, U8 b, U8 c) {
-    using Three = ThreeChannels;
-    const Register sa = QORV_MM(shuffle_epi8)((Register)a, Three::to_place<0>());
-    const Register sb = QORV_MM(shuffle_epi8)((Register)b, Three::to_place<1>());
-    const Register sc = QORV_MM(shuffle_epi8)((Register)c, Three::to_place<2>());
-    store_lanes(p, Three::select(sa, sb, sc), Three::select(sb, sc, sa), Three::select(sc, sa, sb));
+    // Pairs of a and b first. A register of the output, bytes 16 Index and on, draws on 11 bytes of pairs and on c.
+    const Register pairs_lo = QORV_MM(unpacklo_epi8)((Register)a, (Register)b);
+    const Register pairs_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
+    const Register pairs_mid = QORV_MM(alignr_epi8)(pairs_hi, pairs_lo, 8);
+    const auto part = [&](Register pairs, int first_pair_byte, int index) __attribute__((always_inline)) {
+        const auto from_pairs = [=](int i) {
+            const int pixel = (16 * index + i) / 3, channel = (16 * index + i) % 3;
+            return channel < 2 ? 2 * pixel + channel - first_pair_byte : -1;
+        };
+        const auto from_c = [=](int i) { return (16 * index + i) % 3 == 2 ? (16 * index + i) / 3 : -1; };
+        return (Register)((U8)QORV_MM(shuffle_epi8)(pairs, shuffle_indices(from_pairs)) |
+                          (U8)QORV_MM(shuffle_epi8)((Register)c, shuffle_indices(from_c)));
+    };
+    store_lanes(p, part(pairs_lo, 0, 0), part(pairs_mid, 8, 1), part(pairs_hi, 16, 2));
 }
 
 // Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix

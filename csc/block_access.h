@@ -122,7 +122,9 @@ struct Access<Planar3x10> {
 
 template <>
 struct Access<WordPlane> : ByteBlock {
-    [[gnu::always_inline]] static Wide load(const uint8_t *const *p, ptrdiff_t x) { return load_words(p[0] + 2 * x); }
+    [[gnu::always_inline]] static WordPair load(const uint8_t *const *p, ptrdiff_t x) {
+        return {qorv::QORV_ISA::load<U16>(p[0] + 2 * x), qorv::QORV_ISA::load<U16>(p[0] + 2 * x + kVectorBytes)};
+    }
 };
 
 }  // namespace qorv::QORV_ISA

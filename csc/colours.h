@@ -14,36 +14,45 @@ struct Pixels {
 struct DeepPixels {
     U16 c[3];
 };
+// As many words as there are bytes in a vector.
+struct WordPair {
+    U16 first, second;
+};
 
 // With u = U - 128, v = V - 128 and >> arithmetic, each result clamped to 0..255:
 //   R = Y + ((359 v + 128) >> 8),  G = Y - ((183 v + 88 u + 128) >> 8),  B = Y + ((454 u + 128) >> 8).
-// Whole multiples of 256 leave the shift, and the offsets of U and V go into constants, so that every product and sum
-// of raw bytes fits 16 bits:
-//   R = Y + V + (103 V >> 8) - 179
-//   G = Y - V + ((73 V - 88 U + 34815) >> 8), the sum being 12375 to 53430 and the shift logical
-//   B = Y + U + ((99 U - 28992) >> 7)
+// Whole multiples of 256 leave the shifts, and 128 times each weight goes into a constant. What is left of each formula
+// is Y plus the difference of two bytes, so that saturating byte arithmetic gives the clamped result:
+//   R = Y + V - (179 - (103 V >> 8))                   the bracket is 77..179
+//   G = Y + (135 - ((88 U - 73 V) >> 8)) - V           48..208
+//   B = Y + U - (227 - ((198 U + 128) >> 8))           29..227
 struct YuvToRgb {
     [[gnu::always_inline]] static Pixels apply(const Pixels &in) {
         const U8 y = in.c[0], u = in.c[1], v = in.c[2];
-        const Wide r = weighted<1, 1>(y, v) + shift_logical<8>(weighted<0, 103>(y, v)) - 179;
-        const Wide g = weighted<1, -1>(y, v) + shift_logical<8>(weighted<73, -88>(v, u) + 34815);
-        const Wide b = weighted<1, 1>(y, u) + shift<7>(weighted<0, 99>(y, u) - 28992);
-        return {{narrow(r), narrow(g), narrow(b), in.c[3]}};
+        const U8 r = add_difference(y, v, 179 - high_bytes<103>(v));
+        const U8 g = add_difference(y, 135 - high_bytes(weighted<88, -73>(u, v)), v);
+        const U8 b = add_difference(y, u, 227 - high_bytes_rounded<198>(u));
+        return {{r, g, b, in.c[3]}};
+    }
+
+private:
+    // y + a - b, clamped: one of the two inner differences is 0.
+    [[gnu::always_inline]] static U8 add_difference(U8 y, U8 a, U8 b) {
+        return subtract_saturated(add_saturated(y, subtract_saturated(a, b)), subtract_saturated(b, a));
     }
 };
 
 //   Y = (77 R + 150 G + 29 B + 128) >> 8
 //   U = ((-43 R - 85 G + 128 B + 128) >> 8) + 128,  V = ((128 R - 107 G - 21 B + 128) >> 8) + 128
-// Pure blue (for U) and pure red (for V) alone would give 256; the rule is 255, which the saturating sum yields:
-// 32640 + 128 stays at 32767, and 32767 >> 8 is 127.
+// Pure blue (for U) and pure red (for V) alone would give 256; the rule is 255, which the saturation to signed bytes
+// before the last addition yields.
 struct RgbToYuv {
     [[gnu::always_inline]] static Pixels apply(const Pixels &in) {
         const U8 r = in.c[0], g = in.c[1], b = in.c[2];
-        const Wide y = shift_logical<8>(weighted<77, 51>(r, g) + weighted<99, 29>(g, b) + 128);
-        const Wide u = shift<8>(add_saturated(weighted<-43, -85>(r, g) - weighted<0, -128>(g, b), 128));
-        const Wide v = shift<8>(add_saturated(weighted<-107, -21>(g, b) - weighted<-128, 0>(r, g), 128));
-        const U8 offset = splat<U8>(128);
-        return {{narrow(y), narrow_signed(u) ^ offset, narrow_signed(v) ^ offset, in.c[3]}};
+        const U8 y = high_bytes(weighted<77, 51>(r, g) + weighted<99, 29>(g, b) + 128);
+        const U8 u = narrow_rounded(weighted<-43, -85>(r, g) - weighted<0, -128>(g, b));
+        const U8 v = narrow_rounded(weighted<-107, -21>(g, b) - weighted<-128, 0>(r, g));
+        return {{y, u ^ 0x80, v ^ 0x80, in.c[3]}};
     }
 };
 
@@ -84,9 +93,8 @@ struct Rgb10ToYuv10 {
 
 // Bits 9..2 of each word; what lies above is dropped.
 struct Drop2Bits {
-    [[gnu::always_inline]] static Pixels apply(Wide in) {
-        const Wide shifted = shift_logical<2>(in);
-        return {{narrow(Wide{shifted.lo & 0xFF, shifted.hi & 0xFF})}};
+    [[gnu::always_inline]] static Pixels apply(const WordPair &in) {
+        return {{low_bytes(in.first >> 2, in.second >> 2)}};
     }
 };
 

@@ -41,7 +41,7 @@ constinit const CscKernels csc_kernels = {
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
 #undef QORV_KERNEL_ENTRY
-    .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
+        .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 };
 
 }  // namespace qorv::QORV_ISA
