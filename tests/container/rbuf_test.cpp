@@ -1,0 +1,243 @@
+// The ring against its formulas, written once more here over bounds-checked vectors.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "qorv_skia.h"
+#include "support/allocation.h"
+#include "support/guarded_buffer.h"
+#include "support/random.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+struct Model {
+    int wr = 0, rd = 0, size;
+    Bytes buf;
+
+    explicit Model(int bytes) : size(bytes), buf(static_cast<size_t>(bytes)) {}
+
+    bool full() const { return wr == (rd + size - 1) % size; }
+    uint8_t &at(int i) { return buf.at(static_cast<size_t>(i)); }
+    int free_len() const { return rd > wr ? rd - wr - 1 : rd - wr + size + 1; }
+    int freec_len() const { return rd > wr ? rd - wr - 1 : rd != 0 ? size - wr : size - wr - 1; }
+    int fill_len() const { return wr >= rd ? wr - rd : wr + size - rd - 1; }
+    int fillc_len() const { return (rd > wr ? size : wr) - rd; }
+
+    int put(const Bytes &data) {
+        const int n = static_cast<int>(data.size());
+        const auto store = [&](int to, int from, int count) {
+            for (int i = 0; i < count; i++) at(to + i) = data.at(static_cast<size_t>(from + i));
+        };
+        if (full()) return 0;
+        if (rd > wr && rd - wr - 1 < n) return 0;
+        const int c = size - wr;
+        if (rd <= wr && n >= c && rd != 0) {
+            store(wr, 0, c);
+            if (n - c >= rd) return 0;
+            store(0, c, n - c);
+            return wr = n - c, n;
+        }
+        if (rd <= wr && n > c) return 0;
+        store(wr, 0, n);
+        return wr += n, n;
+    }
+    // The result's length may differ from the returned count when that is negative.
+    int get(int n, Bytes &out) {
+        if (wr == rd) return 0;
+        const int c = size - rd;
+        const bool wraps = wr <= rd && n > c;
+        const int taken = wraps ? c + std::min(n - c, wr) : wr <= rd ? n : std::min(wr - rd, n);
+        for (int i = 0; i < taken; i++) out.push_back(at(wraps && i >= c ? i - c : rd + i));
+        rd = wraps ? std::min(n - c, wr) : wr <= rd ? (rd + n) % size : rd + taken;
+        return taken;
+    }
+    int skip_head(int n) {
+        if (full()) return 0;
+        const int c = size - wr;
+        if (rd > wr) return n = std::min(rd - wr - 1, n), wr += n, n;
+        if (n < c) return wr += n, n;
+        if (rd == 0) return std::min(c - 1, n);
+        wr = n - c < rd ? n - c : rd - 1;
+        return wr + c;
+    }
+    int skip_tail(int n) {
+        if (wr == rd) return 0;
+        const int c = size - rd;
+        if (wr > rd) return n = std::min(wr - rd, n), rd += n, n;
+        if (n < c) return rd += n, n;
+        rd = std::min(n - c, wr);
+        return rd + c;
+    }
+    // Index i of the line is dest[i + 1]: a line may begin at -1.
+    int line(int dsize, Bytes &dest) {
+        const auto out = [&](int i) -> uint8_t & { return dest.at(static_cast<size_t>(i + 1)); };
+        const auto finish = [&](int i, bool cr) {
+            if (!cr) out(i++) = '\r';
+            out(i) = '\n';
+            out(i + 1) = 0;
+            return i + 1;
+        };
+        if (wr == rd) return 0;
+        const int t = size - rd, limit = wr > rd ? std::min(wr - rd, dsize - 1) : t;
+        for (int k = 0; k < limit; k++) {
+            out(k) = at(rd + k);
+            if (out(k) == '\n') {
+                const int length = finish(k, k > 0 && out(k - 1) == '\r');
+                return rd += length, length;
+            }
+            if (out(k) == 0) break;
+        }
+        if (wr > rd || dsize <= t) return 0;
+        if (at(size - 1) == '\r' && at(0) == '\n') {
+            out(t) = '\n';
+            out(t + 2) = 0;
+            return rd = 1, t + 2;
+        }
+        for (int j = 0; j < std::min(wr, dsize - t); j++) {
+            out(t + j) = at(j);
+            if (at(j) == 0) return 0;
+            if (at(j) == '\n') {
+                const int length = finish(t + j, j > 0 && out(t + j - 1) == '\r');
+                return rd = length - t, length;
+            }
+        }
+        return 0;
+    }
+};
+
+void expect_same(const QORV_RBUF *ring, const Model &model) {
+    ASSERT_EQ(std::tuple(ring->wr, ring->rd), std::tuple(model.wr, model.rd));
+    ASSERT_EQ(Bytes(ring->buf, ring->buf + ring->size), model.buf);
+    const bool full = model.full(), empty = model.wr == model.rd;
+    EXPECT_EQ(qorv_rbuf_is_full(ring), full ? 1 : 0);
+    EXPECT_EQ(qorv_rbuf_is_empty(ring), empty ? 1 : 0);
+    EXPECT_EQ(qorv_rbuf_get_free_len(ring), model.free_len());
+    EXPECT_EQ(qorv_rbuf_get_freec_len(ring), model.freec_len());
+    EXPECT_EQ(qorv_rbuf_get_fill_len(ring), model.fill_len());
+    EXPECT_EQ(qorv_rbuf_get_fillc_len(ring), model.fillc_len());
+    EXPECT_EQ(qorv_rbuf_get_tot_len(ring), model.size - 1);
+    void *region;
+    int32_t length;
+    EXPECT_EQ(qorv_rbuf_get_head(ring, &region, &length), 0);
+    EXPECT_EQ(region, full ? nullptr : ring->buf + model.wr);
+    EXPECT_EQ(length, full ? 0 : model.freec_len());
+    EXPECT_EQ(qorv_rbuf_get_tail(ring, &region, &length), 0);
+    EXPECT_EQ(region, empty ? nullptr : ring->buf + model.rd);
+    EXPECT_EQ(length, empty ? 0 : model.fillc_len());
+}
+
+constexpr uint8_t kAlphabet[] = {'a', '\r', '\n', 0};
+
+// Takes a line from both and compares; the destination ends where the documented room ends.
+void expect_same_line(QORV_RBUF *ring, Model &model, int32_t dsize) {
+    static const test::GuardedBuffer memory(64);
+    const int room = std::max(dsize, model.size) + 2;
+    memset(memory.data(), 0xEE, memory.size());
+    Bytes expected(static_cast<size_t>(room) + 1, 0xEE);
+    uint8_t *dest = memory.data() + memory.size() - room;
+    ASSERT_EQ(qorv_rbuf_get_one_line(ring, reinterpret_cast<char *>(dest), dsize), model.line(dsize, expected));
+    expected[0] = 0xEE;  // what comes before the destination is dropped
+    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dest - 1));
+    ASSERT_EQ(std::tuple(ring->wr, ring->rd), std::tuple(model.wr, model.rd));
+}
+
+class Ring : public testing::TestWithParam<int32_t> {};
+
+TEST_P(Ring, HoldsThroughRandomOperations) {
+    const int32_t size = GetParam();
+    test::Random random;
+    for (int round = 0; round < 30; round++) {
+        QORV_RBUF *ring = qorv_rbuf_create(size);
+        Model model(size);
+        for (int i = 0; i < 60; i++) {
+            const int32_t n = random.between(0, size + 2);
+            switch (random.below(6)) {
+                case 0:
+                case 1: {
+                    Bytes data(static_cast<size_t>(n));
+                    for (uint8_t &byte : data) byte = random.below(3) != 0 ? 'b' : kAlphabet[random.below(4)];
+                    ASSERT_EQ(qorv_rbuf_put(ring, data.data(), n), model.put(data));
+                    break;
+                }
+                case 2: {
+                    test::GuardedBuffer dest(static_cast<size_t>(n));
+                    Bytes expected;
+                    const int taken = model.get(n, expected);
+                    ASSERT_EQ(qorv_rbuf_get(ring, dest.data(), n), taken);
+                    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dest.data()));
+                    break;
+                }
+                case 3:
+                    ASSERT_EQ(qorv_rbuf_skip_head(ring, n), model.skip_head(n));
+                    break;
+                case 4:
+                    ASSERT_EQ(qorv_rbuf_skip_tail(ring, n), model.skip_tail(n));
+                    break;
+                default:
+                    ASSERT_NO_FATAL_FAILURE(expect_same_line(ring, model, n));
+                    if (random.below(8) != 0) break;
+                    qorv_rbuf_empty(ring);
+                    model.rd = model.wr;
+            }
+            ASSERT_NO_FATAL_FAILURE(expect_same(ring, model)) << "seed " << test::seed();
+        }
+        qorv_rbuf_delete(ring);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, Ring, testing::Values(1, 2, 3, 5, 8, 40));
+
+// Every content of five bytes at every pair of positions, those that the formulas alone reach included.
+TEST(RingLines, HoldForEveryShapeAtEveryPosition) {
+    constexpr int32_t kSize = 5;
+    QORV_RBUF *ring = qorv_rbuf_create(kSize);
+    Model model(kSize);
+    for (uint32_t shape = 0; shape < 1u << 2 * kSize; shape++) {
+        for (int32_t i = 0; i < kSize; i++) ring->buf[i] = model.at(i) = kAlphabet[shape >> 2 * i & 3];
+        for (int32_t positions = 0; positions < (kSize + 1) * (kSize + 2); positions++) {
+            for (int32_t dsize : {1, 3, kSize - 1, kSize + 1}) {
+                ring->wr = model.wr = positions % (kSize + 1);
+                ring->rd = model.rd = positions / (kSize + 1);
+                ASSERT_NO_FATAL_FAILURE(expect_same_line(ring, model, dsize))
+                    << "shape " << shape << ", positions " << positions << ", dsize " << dsize;
+            }
+        }
+    }
+    qorv_rbuf_delete(ring);
+}
+
+TEST(RingBuffer, AcceptsOneByteMoreThanItsCapacityAtTheStart) {
+    QORV_RBUF *ring = qorv_rbuf_create(8);
+    EXPECT_EQ(qorv_rbuf_get_free_len(ring), 9);
+    EXPECT_EQ(qorv_rbuf_put(ring, "123456789", 9), 0);
+    EXPECT_EQ(qorv_rbuf_put(ring, "12345678", 8), 8);
+    EXPECT_EQ(ring->wr, 8);
+    qorv_rbuf_delete(ring);
+}
+
+TEST(RingBuffer, DropsTheByteAfterALineThatEndsInLfAlone) {
+    QORV_RBUF *ring = qorv_rbuf_create(32);
+    qorv_rbuf_put(ring, "ab\ncdef\r\n", 9);
+    char line[32];
+    EXPECT_EQ(qorv_rbuf_get_one_line(ring, line, 30), 4);
+    EXPECT_STREQ(line, "ab\r\n");
+    EXPECT_EQ(qorv_rbuf_get_one_line(ring, line, 30), 5);
+    EXPECT_STREQ(line, "def\r\n");
+    qorv_rbuf_delete(ring);
+}
+
+TEST(RingBuffer, CreationFailsWithoutALeak) {
+    const long before = test::live_allocations();
+    for (int n = 1; n <= 2; n++) {
+        const test::FailAllocations failing(n);
+        EXPECT_EQ(qorv_rbuf_create(8), nullptr);
+    }
+    qorv_rbuf_delete(nullptr);
+    EXPECT_EQ(test::live_allocations(), before);
+}
+
+}  // namespace
