@@ -1,0 +1,86 @@
+/* A C program that knows the header and the shared library alone: the layouts, as a C compiler sees them, and one call
+ * into each family. */
+#include <stdio.h>
+#include <string.h>
+
+#include "qorv_skia.h"
+
+#if defined(__LP64__)
+#define QORV_AT(record, field, offset) _Static_assert(offsetof(record, field) == (offset), #record "." #field);
+#define QORV_SIZE(record, bytes) _Static_assert(sizeof(record) == (bytes), #record);
+#include "core/record_layouts.inc"
+#endif
+
+static int failures = 0;
+
+#define CHECK(condition)                                               \
+    do {                                                               \
+        if (!(condition)) {                                            \
+            printf("%s:%d: %s\n", __FILE__, __LINE__, #condition);     \
+            failures++;                                                \
+        }                                                              \
+    } while (0)
+
+static void check_core(void) {
+    CHECK(qorv_version()[0] == 0);
+    void *block = qorv_malloc_align32(100);
+    CHECK(block != NULL && (uintptr_t)block % 32 == 0);
+    qorv_mset_x64a(block, 7, 100);
+    CHECK(((uint8_t *)block)[99] == 7);
+    qorv_mfree_align32(block);
+
+    int32_t word = 0;
+    CHECK(qorv_sync_wake(&word, 5) == 0 && qorv_sync_wait(&word, 5) == 0);
+    char path[6];
+    CHECK(qorv_get_temp_path(path) == 5 && strcmp(path, "/tmp/") == 0);
+}
+
+static void check_buffers(void) {
+    const uint32_t pad[4] = {QORV_IMGB_WORD(2, 2), QORV_IMGB_WORD(2, 2), QORV_IMGB_WORD(2, 2), 0};
+    int32_t status;
+    QORV_IMGB *imgb = qorv_imgb_create(7, 5, QORV_CS_YUV420, QORV_IMGB_OPT_ZERO_PAD, NULL, pad, NULL, NULL, &status);
+    CHECK(imgb != NULL && status == QORV_OK && imgb->s[0] == 11);
+    *(uint8_t *)imgb->a[0] = 9;
+    CHECK(qorv_imgb_expand(imgb, pad) == QORV_OK && *(uint8_t *)imgb->baddr[0] == 9);
+    CHECK(imgb->release(imgb) == 0);
+
+    QORV_AUDB *audb = qorv_audb_create(10, 2, 16, 0, 1, 0, NULL, NULL, NULL);
+    CHECK(audb->size[0] == 40 && audb->release(audb) == 0);
+    QORV_BITB *bitb = qorv_bitb_create(10, 3, 0, NULL, NULL, NULL);
+    CHECK(bitb->type == 3 && bitb->release(bitb) == 0);
+    QORV_MFAL *mfal = qorv_mfal_create(0, NULL);
+    CHECK(mfal->addref(mfal) == 2 && mfal->release(mfal) == 1 && mfal->release(mfal) == 0);
+    QORV_VDATA vdata = {0, 0, NULL};
+    CHECK(qorv_vdata_set(&vdata, "text", 4, 1) == QORV_OK && strcmp(vdata.data, "text") == 0);
+    qorv_vdata_free(&vdata);
+}
+
+static void check_containers(void) {
+    QORV_LIST *list = qorv_list_create(sizeof(int), NULL);
+    const int item = 42;
+    CHECK(*(int *)qorv_list_add(list, &item) == 42 && qorv_list_get_cnt(list) == 1);
+    qorv_list_delete(list);
+    QORV_RLIST *rlist = qorv_rlist_create(16, 2);
+    void *buf = qorv_rlist_get_buf(rlist);
+    CHECK(buf != NULL && qorv_rlist_get_data(rlist) == buf);
+    qorv_rlist_delete(rlist);
+    QORV_RBUF *rbuf = qorv_rbuf_create(16);
+    char line[18];
+    CHECK(qorv_rbuf_put(rbuf, "ab\r\n", 4) == 4 && qorv_rbuf_get_one_line(rbuf, line, 16) == 4);
+    qorv_rbuf_delete(rbuf);
+}
+
+static void check_text(void) {
+    char out[4][32];
+    const char *next;
+    CHECK(qorv_str_parse_uri("rtsp://srv/x", out[0], out[1], out[2], out[3], &next) == 0);
+    CHECK(strcmp(out[1], "srv") == 0 && strcmp(out[3], "/x") == 0);
+}
+
+int main(void) {
+    check_core();
+    check_buffers();
+    check_containers();
+    check_text();
+    return failures;
+}
