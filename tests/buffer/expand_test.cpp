@@ -23,10 +23,9 @@ std::vector<uint8_t> expanded(const QORV_IMGB &imgb, const std::vector<uint32_t>
     uint32_t w[4] = {static_cast<uint32_t>(imgb.aw)}, h[4] = {static_cast<uint32_t>(imgb.ah)}, planes, units[4];
     EXPECT_EQ(qorv_imgb_get_dimension(imgb.cs, w, h, &planes, units), QORV_OK);
     const int64_t sample = imgb.cs == 20 || imgb.cs >= 60 ? 2 : 1;
+    const auto byte = [&](int64_t at) -> uint8_t & { return bytes.at(static_cast<size_t>(at)); };
     const auto copy = [&](int64_t to, int64_t from, int64_t n) {
-        for (int64_t i = 0; i < n; i++) {
-            if (to + i < imgb.bsize && from + i < imgb.bsize) bytes.at(to + i) = bytes.at(from + i);
-        }
+        for (int64_t i = 0; i < n && to + i < imgb.bsize; i++) byte(to + i) = byte(from + i);
     };
     for (uint32_t i = 0; i < planes; i++) {
         const int64_t a = static_cast<uint8_t *>(imgb.a[i]) - block, s = imgb.s[i];
@@ -48,8 +47,8 @@ std::vector<uint8_t> expanded(const QORV_IMGB &imgb, const std::vector<uint32_t>
 TEST_P(Expand, FollowsTheStepsInEveryColourSpace) {
     RecordingAllocator::reset();
     test::Random random;
-    for (uint32_t cs : {10, 11, 12, 13, 16, 17, 18, 20, 22, 41, 42, 43, 44, 60, 61, 62, 63, 64}) {
-        for (int round = 0; round < 40; round++) {
+    for (uint32_t cs : {10u, 11u, 12u, 13u, 16u, 17u, 18u, 20u, 22u, 41u, 42u, 43u, 44u, 60u, 61u, 62u, 63u, 64u}) {
+        for (uint32_t round = 0; round < 40; round++) {
             // The first rounds are ordinary, the later ones have halves of any size, in each plane its own.
             std::vector<uint32_t> pad(4, QORV_IMGB_WORD(round, round));
             if (round >= 20) {
@@ -101,15 +100,14 @@ TEST(ExpandImage, RefusesPackedRgbAndUnknownIdentifiers) {
 }
 
 TEST_P(Expand, RunsOfBytesAndWordsAreExact) {
-    constexpr int32_t kStride = 700;
+    constexpr size_t kStride = 700;
     for (int32_t count = -1; count <= 300; count += count < 70 ? 1 : 13) {
-        for (int32_t rows : {0, 1, 3}) {
-            for (int32_t sample : {1, 2}) {
+        for (size_t rows : {0u, 1u, 3u}) {
+            for (size_t sample : {1u, 2u}) {
                 // An odd stride counts as the next even one for words.
-                const int32_t stride = sample == 2 && count % 2 == 1 ? kStride - 1 : kStride;
-                const size_t run = static_cast<size_t>(count > 0 && rows > 0 ? count * sample : 0);
-                GuardedBuffer src(static_cast<size_t>(2 * kStride + sample)),
-                    dst(run + (run != 0 ? (rows - 1) * kStride : 0));
+                const size_t stride = sample == 2 && count % 2 == 1 ? kStride - 1 : kStride;
+                const size_t run = count > 0 && rows > 0 ? static_cast<size_t>(count) * sample : 0;
+                GuardedBuffer src(2 * kStride + sample), dst(run != 0 ? run + (rows - 1) * kStride : 0);
                 src.generate(test::Random(3));
                 src.protect(true);
                 std::vector<uint8_t> expected = dst.bytes();
@@ -117,7 +115,7 @@ TEST_P(Expand, RunsOfBytesAndWordsAreExact) {
                     if (at % kStride < run) expected[at] = src.data()[at / kStride * kStride + at % sample];
                 }
                 const auto fill = sample == 1 ? qorv_imgb_expand_ver : qorv_imgb_expand_ver_16;
-                fill(src.data(), dst.data(), rows, stride, count);
+                fill(src.data(), dst.data(), static_cast<int32_t>(rows), static_cast<int32_t>(stride), count);
                 ASSERT_EQ(dst.bytes(), expected) << count << " of " << sample;
             }
         }

@@ -93,13 +93,12 @@ TEST(PictureCopy, CopiesRowsAndNothingBetweenThem) {
         for (int32_t rows : {-1, 0, 1, 3}) {
             const std::pair<int32_t, int32_t> strides[] = {
                 {width, width}, {width + 28, width}, {width, width + 3}, {width + 28, width + 28}, {-width - 5, width}};
-            for (auto [to, from] : strides) {
-                expect_copy({to, from, width, rows}, [&, to = to, from = from](void *dst, const void *src) {
-                    qorv_mcpy_pic(dst, src, to, from, width, rows);
-                });
-                expect_copy({2 * to, 2 * from, 2 * width, rows}, [&, to = to, from = from](void *dst, const void *src) {
-                    qorv_mcpy_pic_16(dst, src, to, from, width, rows);
-                });
+            for (const auto &strides_of_case : strides) {
+                const int32_t to = strides_of_case.first, from = strides_of_case.second;
+                expect_copy({to, from, width, rows},
+                            [&](void *dst, const void *src) { qorv_mcpy_pic(dst, src, to, from, width, rows); });
+                expect_copy({2 * to, 2 * from, 2 * width, rows},
+                            [&](void *dst, const void *src) { qorv_mcpy_pic_16(dst, src, to, from, width, rows); });
             }
         }
     }
