@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
@@ -12,7 +13,14 @@ struct Error : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+inline Error error_at(const std::string &path, uint64_t offset, const std::string &reason) {
+    return Error(path + ": at byte " + std::to_string(offset) + ": " + reason);
+}
+
 // Each adds one command, with its options and help, to the program.
 void add_convert_command(CLI::App &app);
+void add_headers_command(CLI::App &app);
+void add_keyframes_command(CLI::App &app);
+void add_md5_command(CLI::App &app);
 
 }  // namespace tool

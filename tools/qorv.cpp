@@ -14,6 +14,9 @@ int main(int argc, char **argv) {
         "Run 'qorv COMMAND --help' for the options of a command.\n"
         "Exit codes: 0 success, 1 the work failed (the reason is on standard error), 2 wrong usage.");
     tool::add_convert_command(app);
+    tool::add_headers_command(app);
+    tool::add_keyframes_command(app);
+    tool::add_md5_command(app);
 
     try {
         app.parse(argc, argv);

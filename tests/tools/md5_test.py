@@ -1,0 +1,38 @@
+"""qorv md5 against FFmpeg's digests of the same raw pictures."""
+import hashlib
+
+from program import ffmpeg, qorv
+
+# pixel format, size
+STREAMS = [
+    ("yuv420p", "176x144"),
+    ("yuv420p", "35x33"),
+    ("yuv422p", "64x48"),
+    ("yuv444p", "63x47"),
+    ("yuv411p", "66x10"),
+    ("gray", "17x9"),
+    ("yuva444p", "30x20"),
+    ("yuv420p10le", "178x146"),
+    ("yuv444p12le", "34x21"),
+]
+
+for pixel_format, size in STREAMS:
+    ffmpeg("-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25,noise=alls=20", "-frames:v", "5", "-pix_fmt",
+           pixel_format, "-strict", "-1", "stream.y4m")
+    frames = [line.split(",")[-1].strip() for line in
+              ffmpeg("-i", "stream.y4m", "-f", "framemd5", "-").decode().splitlines() if not line.startswith("#")]
+    total = ffmpeg("-i", "stream.y4m", "-c:v", "rawvideo", "-f", "md5", "-").decode().strip()
+    raw = ffmpeg("-i", "stream.y4m", "-f", "rawvideo", "-")
+    assert len(frames) == 5 and total == "MD5=" + hashlib.md5(raw).hexdigest()
+    expected = ["# frame, bytes, md5"] + [f"{i}, {len(raw) // 5}, {md5}" for i, md5 in enumerate(frames)] + [total]
+    assert qorv("md5", "stream.y4m") == expected, (pixel_format, size)
+    with open("stream.y4m", "rb") as file:
+        data = file.read()
+    assert qorv("md5", "-", stdin=data) == expected
+    assert "at byte " + str(len(data) - 1) in qorv("md5", "-", stdin=data[:-1], status=1)
+
+# A real decoder's pictures.
+ffmpeg("-f", "lavfi", "-i", "testsrc2=size=352x288", "-frames:v", "20", "-c:v", "libx264", "clip.mp4")
+ffmpeg("-i", "clip.mp4", "clip.y4m")
+assert qorv("md5", "clip.y4m")[-1] == ffmpeg("-i", "clip.mp4", "-c:v", "rawvideo", "-f", "md5", "-").decode().strip()
+qorv("md5", "missing.y4m", status=1)

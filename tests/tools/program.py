@@ -1,0 +1,66 @@
+"""What the tests of the program share: running it and FFmpeg in a directory of their own, and damaging files."""
+import os
+import random
+import resource
+import subprocess
+import sys
+import tempfile
+
+QORV = os.path.abspath(sys.argv[1])
+SEED = int(os.environ.get("QORV_TEST_SEED", random.randrange(1 << 32)))
+MEMORY = 1 << 30  # bytes of address space: no damaged file may make the program ask for more
+
+_directory = tempfile.TemporaryDirectory()
+os.chdir(_directory.name)
+with open(QORV, "rb") as program:
+    _limited = b"__asan_init" not in program.read()  # AddressSanitizer reserves more than that for itself
+print(f"QORV_TEST_SEED={SEED}", flush=True)
+
+
+def _limit():
+    if _limited:
+        resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+
+
+def qorv(*arguments, stdin=None, status=0):
+    """Runs the program, which must end with `status` (None: success, or a failure that is reported)."""
+    done = subprocess.run([QORV, *arguments], input=stdin, capture_output=True, timeout=60, preexec_fn=_limit)
+    error = done.stderr.decode(errors="replace")
+    if status is None:
+        assert done.returncode in (0, 1) and (done.returncode == 0) == (error == ""), (arguments, done)
+    else:
+        assert done.returncode == status, (arguments, done.returncode, error)
+    return done.stdout.decode(errors="replace").splitlines() if done.returncode == 0 else error
+
+
+def ffmpeg(*arguments):
+    command = ["ffmpeg", "-v", "error", "-nostdin", "-y", *arguments]
+    return subprocess.run(command, check=True, capture_output=True).stdout
+
+
+def ffprobe(*arguments):
+    command = ["ffprobe", "-v", "error", "-of", "csv=p=0", *arguments]
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout.split()
+
+
+def survives_damage(path, *arguments, rounds=60):
+    """Cuts the file short everywhere and changes bytes at random: a clear error or a result, and nothing worse."""
+    generator = random.Random(SEED)
+    with open(path, "rb") as file:
+        whole = file.read()
+    damaged = "damaged" + os.path.splitext(path)[1]
+    errors = 0
+    for i in range(rounds):
+        data = bytearray(whole)
+        if i % 2 == 0:
+            del data[generator.randrange(len(data) if i % 4 == 0 else min(len(data), 300)):]
+        else:
+            for _ in range(generator.randrange(1, 8)):
+                data[generator.randrange(min(len(data), 1 << generator.randrange(5, 24)))] = generator.randrange(256)
+        with open(damaged, "wb") as file:
+            file.write(data)
+        outcome = qorv(*arguments, damaged, status=None)
+        if isinstance(outcome, str):
+            errors += 1
+            assert damaged in outcome and ("at byte" in outcome or "no video stream" in outcome), outcome
+    assert errors > 0, "no damage was noticed"
