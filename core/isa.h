@@ -10,12 +10,14 @@ namespace qorv {
 
 struct CscKernels;
 struct MemoryKernels;
+struct MetricKernels;
 
 // One table of function pointers per family, all of one instruction set.
 struct KernelSet {
     const char *name;
     const CscKernels *csc;
     const MemoryKernels *memory;
+    const MetricKernels *metric;
 };
 
 // The tables of one instruction set, and the set made of them: a constant expression of addresses, so that a set is
@@ -25,12 +27,14 @@ struct KernelSet {
     namespace isa {                                          \
     extern QORV_INTERNAL const CscKernels csc_kernels;       \
     extern QORV_INTERNAL const MemoryKernels memory_kernels; \
+    extern QORV_INTERNAL const MetricKernels metric_kernels; \
     }
 #define QORV_KERNEL_SET(isa)          \
     ::qorv::KernelSet {               \
         #isa,                         \
         &::qorv::isa::csc_kernels,    \
         &::qorv::isa::memory_kernels, \
+        &::qorv::isa::metric_kernels, \
     }
 // clang-format on
 

@@ -119,6 +119,26 @@ template <int Bits>
 
 // ---- End of colour conversion ----
 
+// ---- Block metrics ----
+
+// Below, for each architecture, on vectors of 16 bytes and of a full register:
+//   add_byte_distances(sum, a, b)     adds |a - b| of every byte to a lane of the type ByteDistances, at most
+//                                     kMaxByteDistances times
+//   add_byte_squares(sum, a, b)       adds (a - b)^2 of every byte to a lane
+//   abs_difference(a, b)              |a - b| of signed lanes below 32767; some value of 32767 to 65535 from there on
+//   abs_lanes(a)                      |a| of lanes read as signed, the lowest value staying as it is
+//   max_lanes(a, b)                   of unsigned lanes
+//   add_saturated(a, b)               of unsigned lanes
+//   add_pairs(sum, a)                 adds pairs of neighbouring lanes below 2^15 to 32-bit lanes
+//   add_squares(sum, a)               adds the squares of lanes below 2^15 to 32-bit lanes, modulo 2^32
+//   widen(a)                          8 or 16 bytes to as many 16-bit lanes
+//   exchange<Bytes>(a, b)             of both vectors, a gets the even groups of 4 or 8 bytes, b the odd ones
+//   max_of_pairs(a, b)                the larger one of each pair of neighbouring unsigned lanes of both, in any order
+//   top_bit_set(a)                    whether it is in any 16-bit lane
+//   sum_lanes(a)                      modulo 2^32
+
+// ---- End of block metrics ----
+
 }  // namespace qorv::QORV_ISA
 
 #include "core/simd_neon.h"

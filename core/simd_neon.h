@@ -119,6 +119,97 @@ template <int A, int B>
 
 // ---- End of colour conversion ----
 
+// ---- Block metrics ----
+
+template <int Bytes>
+using ByteDistances = Vec<uint16_t, Bytes>;
+constexpr int kMaxByteDistances = 128;  // each adds at most 2 x 255 to a 16-bit lane
+constexpr bool kHasSumsAndDifferences = false;
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint16_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    sum = (Vec<uint16_t, 16>)vpadalq_u8((uint16x8_t)sum, vabdq_u8((uint8x16_t)a, (uint8x16_t)b));
+}
+
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
+    const uint32x4_t lo = vpadalq_u16((uint32x4_t)sum, vmull_u8(vget_low_u8(d), vget_low_u8(d)));
+    sum = (Vec<uint32_t, 16>)vpadalq_u16(lo, vmull_high_u8(d, d));
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vabdq_s16((int16x8_t)a, (int16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<uint16_t, 16> a) {
+    return (Vec<uint16_t, 16>)vabsq_s16((int16x8_t)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<uint32_t, 16> a) {
+    return (Vec<uint32_t, 16>)vabsq_s32((int32x4_t)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> max_lanes(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vqaddq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    sum = (Vec<uint32_t, 16>)vpadalq_u16((uint32x4_t)sum, (uint16x8_t)a);
+}
+
+[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    const uint16x8_t v = (uint16x8_t)a;
+    sum = (Vec<uint32_t, 16>)vmlal_high_u16(vmlal_u16((uint32x4_t)sum, vget_low_u16(v), vget_low_u16(v)), v, v);
+}
+
+template <int Bytes>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
+    return (Vec<int16_t, 16>)vmovl_u8(vld1_u8(p));
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
+    return (Vec<int16_t, 16>)vmovl_u8(vget_low_u8((uint8x16_t)a));
+}
+
+template <int Bytes, class V>
+[[gnu::always_inline]] inline void exchange(V &a, V &b) {
+    static_assert(Bytes == 4 || Bytes == 8);
+    if constexpr (Bytes == 4) {
+        const uint32x4_t x = (uint32x4_t)a, y = (uint32x4_t)b;
+        a = (V)vtrn1q_u32(x, y);
+        b = (V)vtrn2q_u32(x, y);
+    } else {
+        const uint64x2_t x = (uint64x2_t)a, y = (uint64x2_t)b;
+        a = (V)vtrn1q_u64(x, y);
+        b = (V)vtrn2q_u64(x, y);
+    }
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> max_of_pairs(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vpmaxq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> max_of_pairs(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
+    return (Vec<uint32_t, 16>)vpmaxq_u32((uint32x4_t)a, (uint32x4_t)b);
+}
+
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
+    return vmaxvq_u16((uint16x8_t)a) >= 0x8000;
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint16_t, 16> a) {
+    return vaddlvq_u16((uint16x8_t)a);
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
+    return vaddvq_u32((uint32x4_t)a);
+}
+
+// ---- End of block metrics ----
+
 }  // namespace qorv::QORV_ISA
 
 #endif

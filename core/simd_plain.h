@@ -105,6 +105,102 @@ template <int A, int B>
 
 // ---- End of colour conversion ----
 
+// ---- Block metrics ----
+
+template <int Bytes>
+using ByteDistances = Vec<uint32_t, Bytes>;
+constexpr int kMaxByteDistances = 1 << 20;
+constexpr bool kHasSumsAndDifferences = false;
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
+}
+
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>((a[i] - b[i]) * (a[i] - b[i]));
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    Vec<uint16_t, 16> v = {};
+    for (int i = 0; i < 8; i++) v[i] = static_cast<uint16_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
+    return v;
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<uint16_t, 16> a) {
+    return abs_difference((Vec<int16_t, 16>)a, Vec<int16_t, 16>{});
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<uint32_t, 16> a) {
+    for (int i = 0; i < 4; i++) a[i] = a[i] >> 31 != 0 ? 0 - a[i] : a[i];
+    return a;
+}
+
+template <class V>
+[[gnu::always_inline]] inline V max_lanes(V a, V b) {
+    for (size_t i = 0; i < sizeof a / sizeof a[0]; i++) a[i] = a[i] > b[i] ? a[i] : b[i];
+    return a;
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    for (int i = 0; i < 8; i++) a[i] = static_cast<uint16_t>(a[i] + b[i] > UINT16_MAX ? UINT16_MAX : a[i] + b[i]);
+    return a;
+}
+
+[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    for (int i = 0; i < 8; i++) sum[i / 2] += a[i];
+}
+
+[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    for (int i = 0; i < 8; i++) sum[i / 2] += static_cast<uint32_t>(a[i]) * a[i];
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
+    Vec<int16_t, 16> v = {};
+    for (int i = 0; i < 8; i++) v[i] = a[i];
+    return v;
+}
+
+template <int Bytes>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
+    Vec<int16_t, 16> v = {};
+    for (int i = 0; i < 8; i++) v[i] = p[i];
+    return v;
+}
+
+template <int Bytes, class V>
+[[gnu::always_inline]] inline void exchange(V &a, V &b) {
+    constexpr int kGroup = Bytes / static_cast<int>(sizeof a[0]);
+    const V x = a, y = b;
+    for (int i = 0; i < static_cast<int>(sizeof a / sizeof a[0]); i++) {
+        const bool odd = (i / kGroup) % 2 != 0;
+        a[i] = odd ? y[i - kGroup] : x[i];
+        b[i] = odd ? y[i] : x[i + kGroup];
+    }
+}
+
+template <class V>
+[[gnu::always_inline]] inline V max_of_pairs(V a, V b) {
+    V even = {}, odd = {};
+    constexpr int kHalf = sizeof a / sizeof a[0] / 2;
+    for (int i = 0; i < kHalf; i++) {
+        even[i] = a[2 * i], odd[i] = a[2 * i + 1];
+        even[kHalf + i] = b[2 * i], odd[kHalf + i] = b[2 * i + 1];
+    }
+    return max_lanes(even, odd);
+}
+
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
+    uint16_t all = 0;
+    for (int i = 0; i < 8; i++) all = static_cast<uint16_t>(all | a[i]);
+    return all >= 0x8000;
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
+    return a[0] + a[1] + a[2] + a[3];
+}
+
+// ---- End of block metrics ----
+
 }  // namespace qorv::QORV_ISA
 
 #endif

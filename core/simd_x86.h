@@ -229,6 +229,210 @@ template <int Channel>
 
 // ---- End of colour conversion ----
 
+// ---- Block metrics ----
+
+template <int Bytes>
+using ByteDistances = Vec<uint64_t, Bytes>;
+constexpr int kMaxByteDistances = 1 << 20;
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint64_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    sum += (Vec<uint64_t, 16>)_mm_sad_epu8((__m128i)a, (__m128i)b);
+}
+
+// a and b side by side, times 1 and -1, give a - b in 16 bits.
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    const __m128i signs = _mm_set1_epi16(static_cast<int16_t>(0xFF01));
+    const __m128i lo = _mm_maddubs_epi16(_mm_unpacklo_epi8((__m128i)a, (__m128i)b), signs);
+    const __m128i hi = _mm_maddubs_epi16(_mm_unpackhi_epi8((__m128i)a, (__m128i)b), signs);
+    sum += (Vec<uint32_t, 16>)_mm_madd_epi16(lo, lo);
+    sum += (Vec<uint32_t, 16>)_mm_madd_epi16(hi, hi);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_abs_epi16(_mm_subs_epi16((__m128i)a, (__m128i)b));
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<uint16_t, 16> a) {
+    return (Vec<uint16_t, 16>)_mm_abs_epi16((__m128i)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> max_lanes(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_max_epu16((__m128i)a, (__m128i)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_adds_epu16((__m128i)a, (__m128i)b);
+}
+
+[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, _mm_set1_epi16(1));
+}
+
+[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, (__m128i)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> max_of_pairs(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    const __m128i even = _mm_blend_epi16((__m128i)a, _mm_slli_epi32((__m128i)b, 16), 0xAA);
+    const __m128i odd = _mm_blend_epi16(_mm_srli_epi32((__m128i)a, 16), (__m128i)b, 0xAA);
+    return (Vec<uint16_t, 16>)_mm_max_epu16(even, odd);
+}
+
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
+    return (static_cast<uint32_t>(_mm_movemask_epi8((__m128i)a)) & 0xAAAAAAAA) != 0;
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<uint32_t, 16> a) {
+    return (Vec<uint32_t, 16>)_mm_abs_epi32((__m128i)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> max_of_pairs(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
+    return (Vec<uint32_t, 16>)_mm_max_epu32((__m128i)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88),
+                                            (__m128i)_mm_shuffle_ps((__m128)a, (__m128)b, 0xDD));
+}
+
+template <int Bytes>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
+#if defined(QORV_ISA_IS_v3)
+    if constexpr (Bytes == 32) return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)load<Vec<uint8_t, 16>>(p));
+#endif
+    if constexpr (Bytes == 16) return (Vec<int16_t, 16>)_mm_cvtepu8_epi16(_mm_loadl_epi64((const __m128i *)p));
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
+    return (Vec<int16_t, 16>)_mm_cvtepu8_epi16((__m128i)a);
+}
+
+template <int Bytes, class V>
+[[gnu::always_inline]] inline void exchange(V &a, V &b) {
+    static_assert(Bytes == 4 || Bytes == 8);
+    const V x = a, y = b;
+#if defined(QORV_ISA_IS_v3)
+    if constexpr (sizeof(V) == 32 && Bytes == 4) {
+        a = (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0x88);
+        b = (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0xDD);
+    } else if constexpr (sizeof(V) == 32) {
+        a = (V)_mm256_unpacklo_epi64((__m256i)x, (__m256i)y);
+        b = (V)_mm256_unpackhi_epi64((__m256i)x, (__m256i)y);
+    }
+#endif
+    if constexpr (sizeof(V) == 16 && Bytes == 4) {
+        a = (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0x88);
+        b = (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0xDD);
+    } else if constexpr (sizeof(V) == 16) {
+        a = (V)_mm_unpacklo_epi64((__m128i)x, (__m128i)y);
+        b = (V)_mm_unpackhi_epi64((__m128i)x, (__m128i)y);
+    }
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint64_t, 16> a) {
+    return static_cast<uint32_t>(
+        _mm_cvtsi128_si32(_mm_add_epi32((__m128i)a, _mm_unpackhi_epi64((__m128i)a, (__m128i)a))));
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
+    const __m128i odd = _mm_shuffle_epi32((__m128i)a, 0xF5);
+    return sum_lanes((Vec<uint64_t, 16>)_mm_add_epi32((__m128i)a, odd));
+}
+
+// The first stage of a horizontal Hadamard transform comes free with the multiply-add of bytes: of rows of `W` bytes
+// that stand twice in a vector, the sums of neighbours in its lower half and their differences in its upper half.
+constexpr bool kHasSumsAndDifferences = true;
+
+template <int W, int Bytes>
+[[gnu::always_inline]] inline Vec<uint16_t, Bytes> sums_and_differences(const uint8_t *p, ptrdiff_t stride) {
+    const __m128i sums = _mm_set1_epi16(0x0101), differences = _mm_set1_epi16(static_cast<int16_t>(0xFF01));
+#if defined(QORV_ISA_IS_v3)
+    if constexpr (Bytes == 32) {
+        __m256i rows;
+        if constexpr (W == 16) {
+            rows = every_lane((__m128i)load<Vec<uint8_t, 16>>(p));
+        } else {
+            rows = _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(p)), _mm256_set1_epi64x(load<int64_t>(p + stride)), 0xCC);
+        }
+        return (Vec<uint16_t, 32>)_mm256_maddubs_epi16(rows, _mm256_setr_m128i(sums, differences));
+    } else
+#endif
+    {
+        __m128i rows;
+        if constexpr (W == 8) {
+            rows = _mm_set1_epi64x(load<int64_t>(p));
+        } else {
+            rows = _mm_blend_epi16(_mm_set1_epi32(load<int32_t>(p)), _mm_set1_epi32(load<int32_t>(p + stride)), 0xCC);
+        }
+        return (Vec<uint16_t, 16>)_mm_maddubs_epi16(rows, _mm_unpacklo_epi64(sums, differences));
+    }
+}
+
+#if defined(QORV_ISA_IS_v3)
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint64_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
+    sum += (Vec<uint64_t, 32>)_mm256_sad_epu8((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
+    const __m256i signs = _mm256_set1_epi16(static_cast<int16_t>(0xFF01));
+    const __m256i lo = _mm256_maddubs_epi16(_mm256_unpacklo_epi8((__m256i)a, (__m256i)b), signs);
+    const __m256i hi = _mm256_maddubs_epi16(_mm256_unpackhi_epi8((__m256i)a, (__m256i)b), signs);
+    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16(lo, lo);
+    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16(hi, hi);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_difference(Vec<int16_t, 32> a, Vec<int16_t, 32> b) {
+    return (Vec<uint16_t, 32>)_mm256_abs_epi16(_mm256_subs_epi16((__m256i)a, (__m256i)b));
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_lanes(Vec<uint16_t, 32> a) {
+    return (Vec<uint16_t, 32>)_mm256_abs_epi16((__m256i)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> max_lanes(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
+    return (Vec<uint16_t, 32>)_mm256_max_epu16((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> add_saturated(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
+    return (Vec<uint16_t, 32>)_mm256_adds_epu16((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 32> &sum, Vec<uint16_t, 32> a) {
+    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, _mm256_set1_epi16(1));
+}
+
+[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 32> &sum, Vec<uint16_t, 32> a) {
+    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, (__m256i)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> max_of_pairs(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
+    const __m256i even = _mm256_blend_epi16((__m256i)a, _mm256_slli_epi32((__m256i)b, 16), 0xAA);
+    const __m256i odd = _mm256_blend_epi16(_mm256_srli_epi32((__m256i)a, 16), (__m256i)b, 0xAA);
+    return (Vec<uint16_t, 32>)_mm256_max_epu16(even, odd);
+}
+
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 32> a) {
+    return (static_cast<uint32_t>(_mm256_movemask_epi8((__m256i)a)) & 0xAAAAAAAA) != 0;
+}
+
+[[gnu::always_inline]] inline Vec<uint8_t, 32> join(Vec<uint8_t, 16> lo, Vec<uint8_t, 16> hi) {
+    return (Vec<uint8_t, 32>)_mm256_setr_m128i((__m128i)lo, (__m128i)hi);
+}
+
+template <class V>
+[[gnu::always_inline]] inline V add_halves(__m256i a) {
+    return (V)_mm_add_epi32(_mm256_castsi256_si128(a), _mm256_extracti128_si256(a, 1));
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint64_t, 32> a) {
+    return sum_lanes(add_halves<Vec<uint64_t, 16>>((__m256i)a));
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 32> a) {
+    return sum_lanes(add_halves<Vec<uint32_t, 16>>((__m256i)a));
+}
+
+#endif
+
+// ---- End of block metrics ----
+
 }  // namespace qorv::QORV_ISA
 
 #endif

@@ -1197,17 +1197,504 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
 /** @} */
 
 /** @defgroup sad Sum of absolute differences
+ *  The sum over all samples of |A - B|. A member is named by its size, columns x rows, and by its samples:
+ *  - no suffix: both blocks unsigned 8-bit;
+ *  - `_16`: both signed 16-bit;
+ *  - `_bi`: A signed 16-bit values that the caller has formed of two predictions, B unsigned 8-bit;
+ *  - `_bi_16`: the same numbers as `_16`, under a name of its own.
+ *
+ *  Strides count samples of the block they belong to, so those of a `_bi` member are in different units. Nothing
+ *  outside the two blocks is read. The sum is exact, but that of 16-bit samples more than 32768 apart an odd difference
+ *  d adds d - 2 if it is positive and -d + 2 if it is negative. Blocks of up to 12 bits are the fast ones.
  *  @{ */
+
+/**
+ * SAD of a block of any size, 8-bit.
+ * @param w         columns; below 1 the result is 0.
+ * @param h         rows; below 1 the result is 0.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the sum, modulo 2^32.
+ */
+QORV_API uint32_t qorv_sad(int32_t w, int32_t h, const uint8_t *a, const uint8_t *b, int32_t stride_a,
+                           int32_t stride_b);
+
+/**
+ * SAD of a block of any size, 16-bit. @copydetails qorv_sad
+ */
+QORV_API uint32_t qorv_sad_16(int32_t w, int32_t h, const int16_t *a, const int16_t *b, int32_t stride_a,
+                              int32_t stride_b);
+
+/**
+ * SAD, 2 columns by 2 rows, 8-bit.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the sum.
+ */
+QORV_API uint32_t qorv_sad2x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 2 columns by 4 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad2x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 2 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 4 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 8 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 4 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 8 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 16 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 8 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 16 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 32 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 16 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 32 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 64 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 32 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 64 rows, 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 2 columns by 2 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad2x2_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 2 columns by 4 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad2x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 2 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x2_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 4 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 8 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 4 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 8 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 16 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 8 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 16 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 32 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 16 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 32 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 64 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x64_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 32 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 64 rows, 16-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x64_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 8 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x8_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 4 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x4_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 8 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x8_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 16 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x16_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 8 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x8_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 16 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x16_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 32 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x32_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 16 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x16_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 32 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x32_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 64 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x64_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 32 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x32_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 64 rows, A 16-bit, B 8-bit. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x64_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 4 columns by 8 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad4x8_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 4 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x4_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 8 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x8_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 8 columns by 16 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad8x16_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 8 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x8_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 16 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x16_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 16 columns by 32 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad16x32_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 16 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x16_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 32 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x32_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 32 columns by 64 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad32x64_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 32 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x32_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** SAD, 64 columns by 64 rows, as the _16 member. @copydetails qorv_sad2x2 */
+QORV_API uint32_t qorv_sad64x64_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
 
 /** @} */
 
 /** @defgroup diff Residual differences
+ *  out = A - B for every sample, as a signed 16-bit value; of 16-bit samples the low 16 bits of the difference. Members
+ *  are named as in @ref sad; the `_bi` ones exist for 4x4 alone.
+ *
+ *  Strides count samples of the block they belong to. Nothing outside the blocks is read, and nothing between the rows
+ *  of the output is written. An output that overlaps an input gives the result of the plain loop: rows from the first,
+ *  columns from the left, each value written before the next samples are read.
  *  @{ */
+
+/**
+ * Residual of a block of any size, 8-bit.
+ * @param w           columns; below 1 nothing is written.
+ * @param h           rows; below 1 nothing is written.
+ * @param a           first sample of block A.
+ * @param b           first sample of block B.
+ * @param stride_a    samples from a row of A to the next; may be negative.
+ * @param stride_b    samples from a row of B to the next; may be negative.
+ * @param stride_out  16-bit values from a row of the output to the next; may be negative.
+ * @param out         first value of the output.
+ */
+QORV_API void qorv_diff(int32_t w, int32_t h, const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                        int32_t stride_out, int16_t *out);
+
+/**
+ * Residual of a block of any size, 16-bit. @copydetails qorv_diff
+ */
+QORV_API void qorv_diff_16(int32_t w, int32_t h, const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/**
+ * Residual, 2 columns by 2 rows, 8-bit.
+ * @param a           first sample of block A.
+ * @param b           first sample of block B.
+ * @param stride_a    samples from a row of A to the next; may be negative.
+ * @param stride_b    samples from a row of B to the next; may be negative.
+ * @param stride_out  16-bit values from a row of the output to the next; may be negative.
+ * @param out         first value of the output.
+ */
+QORV_API void qorv_diff2x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 2 columns by 4 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff2x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 2 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 4 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 8 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 4 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 8 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                           int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 16 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                            int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 8 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                            int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 16 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 32 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 32 columns by 16 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff32x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 32 columns by 32 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff32x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 32 columns by 64 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff32x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 64 columns by 32 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff64x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 64 columns by 64 rows, 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff64x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                             int32_t stride_out, int16_t *out);
+
+/** Residual, 2 columns by 2 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff2x2_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 2 columns by 4 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff2x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 2 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x2_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 4 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 8 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 4 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 8 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 16 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                               int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 8 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                               int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 16 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 32 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 32 columns by 16 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff32x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 32 columns by 32 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff32x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 32 columns by 64 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff32x64_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 64 columns by 32 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff64x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 64 columns by 64 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff64x64_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 2 columns by 8 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff2x8_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 16 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x16_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                               int32_t stride_out, int16_t *out);
+
+/** Residual, 8 columns by 32 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff8x32_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                               int32_t stride_out, int16_t *out);
+
+/** Residual, 16 columns by 64 rows, 16-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff16x64_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 4 rows, A 16-bit, B 8-bit. @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x4_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
+                              int32_t stride_out, int16_t *out);
+
+/** Residual, 4 columns by 4 rows, as qorv_diff4x4_16(). @copydetails qorv_diff2x2 */
+QORV_API void qorv_diff4x4_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
+                                 int32_t stride_out, int16_t *out);
 
 /** @} */
 
 /** @defgroup satd SSD, Hadamard and SATD
+ *  Sums of squared differences, and of the magnitudes of the Hadamard transform of a residual. Strides count samples of
+ *  the block they belong to. Nothing outside the two blocks is read. Results are exact whatever the samples; residuals
+ *  of up to 12 bits and their sign (4x4) or 10 bits and their sign (8x8) are the fast ones.
  *  @{ */
+
+/**
+ * SSD of a block of any size, 8-bit: the sum over all samples of (A - B)^2.
+ * @param w         columns; below 1 the result is 0.
+ * @param h         rows; below 1 the result is 0.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the sum, modulo 2^32: it is exact up to 66051 samples of any content.
+ */
+QORV_API uint32_t qorv_ssd(int32_t w, int32_t h, const uint8_t *a, const uint8_t *b, int32_t stride_a,
+                           int32_t stride_b);
+
+/**
+ * SSD of a block of any size, signed 16-bit. Of samples more than 32768 apart the magnitude that is squared is the one
+ * described at @ref sad.
+ * @param w         columns; below 1 the result is 0.
+ * @param h         rows; below 1 the result is 0.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the sum, modulo 2^32: of 10-bit content it is exact up to 4104 samples, of 12-bit content up to 256.
+ */
+QORV_API uint32_t qorv_ssd_16(int32_t w, int32_t h, const int16_t *a, const int16_t *b, int32_t stride_a,
+                              int32_t stride_b);
+
+/**
+ * Half the sum of the magnitudes of the 16 coefficients of a 4x4 Walsh-Hadamard transform without scaling. The sum is
+ * always even.
+ * @param residual  16 values, row by row.
+ * @return the half sum.
+ */
+QORV_API uint32_t qorv_hadamard4x4(const int16_t *residual);
+
+/**
+ * Sum of the 4x4 SATDs of the tiles of a block, 8-bit.
+ * @param w         columns; below 1 the result is 0. The last tile of a row is a whole one: samples up to the next
+ *                  multiple of 4 are read, and count.
+ * @param h         rows; below 1 the result is 0. Rounded up in the same way.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the sum, modulo 2^32.
+ */
+QORV_API uint32_t qorv_satd(int32_t w, int32_t h, const uint8_t *a, const uint8_t *b, int32_t stride_a,
+                            int32_t stride_b);
+
+/**
+ * Sum of the 4x4 SATDs of the tiles of a block, 16-bit: as qorv_satd() with the tiles of qorv_satd4x4_16().
+ * @copydetails qorv_satd
+ */
+QORV_API uint32_t qorv_satd_16(int32_t w, int32_t h, const int16_t *a, const int16_t *b, int32_t stride_a,
+                               int32_t stride_b);
+
+/**
+ * 4x4 SATD, 8-bit: qorv_hadamard4x4() of the residual A - B.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the SATD.
+ */
+QORV_API uint32_t qorv_satd4x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** 4x4 SATD, 16-bit, of the low 16 bits of the residual read as signed. @copydetails qorv_satd4x4 */
+QORV_API uint32_t qorv_satd4x4_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** 4x4 SATD, A signed 16-bit, B 8-bit, of the low 16 bits of the residual. @copydetails qorv_satd4x4 */
+QORV_API uint32_t qorv_satd4x4_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** 4x4 SATD, the same numbers as qorv_satd4x4_16(). @copydetails qorv_satd4x4 */
+QORV_API uint32_t qorv_satd4x4_bi_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b);
+
+/**
+ * 8x8 SATD, 8-bit: (S + 2) >> 2, S being the sum of the magnitudes of the 64 coefficients of the 8x8 Walsh-Hadamard
+ * transform of A - B without scaling. A measure of its own, not the sum of four 4x4 SATDs.
+ * @param a         first sample of block A.
+ * @param b         first sample of block B.
+ * @param stride_a  samples from a row of A to the next; may be negative.
+ * @param stride_b  samples from a row of B to the next; may be negative.
+ * @return the SATD.
+ */
+QORV_API uint32_t qorv_satd8x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** 8x8 SATD, both blocks unsigned 16-bit; the residual does not wrap. @copydetails qorv_satd8x8 */
+QORV_API uint32_t qorv_satd8x8_16(const uint16_t *a, const uint16_t *b, int32_t stride_a, int32_t stride_b);
+
+/** 8x8 SATD, A signed 16-bit, B 8-bit; the residual does not wrap. @copydetails qorv_satd8x8 */
+QORV_API uint32_t qorv_satd8x8_bi(const int16_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b);
+
+/** 8x8 SATD, A signed and B unsigned 16-bit; the residual does not wrap. @copydetails qorv_satd8x8 */
+QORV_API uint32_t qorv_satd8x8_bi_16(const int16_t *a, const uint16_t *b, int32_t stride_a, int32_t stride_b);
 
 /** @} */
 

@@ -1,0 +1,264 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "metric/reference.h"
+#include "support/guarded_buffer.h"
+#include "support/kernel_sets.h"
+#include "support/random.h"
+
+namespace test {
+namespace {
+
+class Metric : public WithKernelSet {};
+INSTANTIATE_FOR_KERNEL_SETS(Metric);
+
+// A block that fills a guarded buffer from its first row to its last one, with nothing after the last sample.
+struct Block {
+    Block(int w, int h, int samples_between_rows, SampleType type, Flush flush)
+        : stride(samples_between_rows),
+          sample(type),
+          buffer(static_cast<size_t>(((h - 1) * std::abs(stride) + w) * type.bytes), flush),
+          first(buffer.data() + (stride < 0 ? (h - 1) * -stride * type.bytes : 0)) {}
+
+    void set(size_t i, int32_t value) {
+        const auto bytes = static_cast<size_t>(sample.bytes);
+        std::memcpy(buffer.data() + i * bytes, &value, bytes);  // the low bytes, on the machines that are built for
+    }
+    size_t samples() const { return buffer.size() / static_cast<size_t>(sample.bytes); }
+
+    int32_t stride;
+    SampleType sample;
+    GuardedBuffer buffer;
+    uint8_t *first;
+};
+
+// Contents of both blocks. The limits of 16-bit lanes lie at residuals of 1023, 4095 and 32767 and at the sums of those.
+struct Content {
+    const char *name;
+    std::function<int32_t(Random &, const Block &)> a, b;
+};
+
+int32_t anything(Random &random, const Block &block) {
+    return random.between(block.sample.min, block.sample.max);
+}
+
+auto at_most(int32_t limit) {
+    return [limit](Random &random, const Block &block) {
+        return random.between(std::max(-limit, block.sample.min), std::min(limit, block.sample.max));
+    };
+}
+
+auto mostly_small(uint32_t one_in, int32_t limit) {
+    return [=](Random &random, const Block &block) {
+        return random.below(one_in) == 0 ? anything(random, block) : at_most(limit)(random, block);
+    };
+}
+
+const Content kContents[] = {
+    {"random", anything, anything},
+    {"min against max", [](Random &, const Block &b) { return b.sample.min; },
+     [](Random &, const Block &b) { return b.sample.max; }},
+    {"max against min", [](Random &, const Block &b) { return b.sample.max; },
+     [](Random &, const Block &b) { return b.sample.min; }},
+    {"around 1023", at_most(516), at_most(516)},
+    {"12 bits", at_most(4095), at_most(2)},
+    {"around 2^15", [](Random &r, const Block &b) { return b.sample.max - r.between(0, 3); },
+     [](Random &r, const Block &b) { return r.between(0, 3) - 2 * (b.sample.min < 0); }},
+    {"some large", mostly_small(100, 500), at_most(255)},
+    {"one large", mostly_small(3000, 200), mostly_small(3000, 200)},
+};
+
+// Runs `check(a, b, description)` on every content, every sign of strides and both ends of the guarded memory.
+template <class Check>
+void for_all_blocks(int w, int h, SampleType type_a, SampleType type_b, const Check &check) {
+    Random random(static_cast<uint64_t>(w * 1000 + h));
+    const int strides[][2] = {{w, w + 3}, {w + 13, -w}, {-w - 1, w + 2}};
+    for (const auto &[stride_a, stride_b] : strides) {
+        for (Flush flush : kBothFlushes) {
+            Block a(w, h, stride_a, type_a, flush), b(w, h, stride_b, type_b, flush);
+            for (const Content &content : kContents) {
+                a.buffer.protect(false), b.buffer.protect(false);
+                for (size_t i = 0; i < a.samples(); i++) a.set(i, content.a(random, a));
+                for (size_t i = 0; i < b.samples(); i++) b.set(i, content.b(random, b));
+                a.buffer.protect(true), b.buffer.protect(true);
+                check(a, b, content.name);
+            }
+        }
+    }
+}
+
+constexpr int kWidths[] = {1, 2, 3, 4, 5, 7, 8, 11, 15, 16, 17, 31, 32, 33, 40, 63, 64, 65, 100, 131};
+constexpr int kHeights[] = {1, 2, 3, 4, 5, 7, 8, 13, 64, 67};
+
+template <class Member, class Check>
+void for_all_sizes(const Member &member, const Check &check) {
+    if (member.w != 0) return check(member.w, member.h);
+    for (int w : kWidths) check(w, kHeights[static_cast<size_t>(w) % std::size(kHeights)]);
+    for (int h : kHeights) check(16 + h % 2, h);
+}
+
+TEST_P(Metric, CostsEqualThePlainLoops) {
+    for (const Cost &cost : costs()) {
+        const int tile = cost.name.starts_with("satd") ? 4 : 1;
+        for_all_sizes(cost, [&](int w, int h) {
+            const auto readable = [&](int size) { return (size + tile - 1) / tile * tile; };
+            for_all_blocks(readable(w), readable(h), cost.a, cost.b, [&](const Block &a, const Block &b, auto content) {
+                ASSERT_EQ(cost.run(w, h, a.first, b.first, a.stride, b.stride),
+                          cost.expected(w, h, a.first, b.first, a.stride, b.stride))
+                    << cost.name << ' ' << w << 'x' << h << ", " << content << ", strides " << a.stride << ' '
+                    << b.stride;
+            });
+        });
+    }
+}
+
+TEST_P(Metric, EmptyAreasAreNotTouched) {
+    for (const auto &[w, h] : {std::pair{16, 0}, {16, -5}, {0, 16}, {-3, 4}, {0, 0}}) {
+        for (const Cost &cost : costs()) {
+            if (cost.w == 0) {
+                EXPECT_EQ(cost.run(w, h, nullptr, nullptr, 16, 16), 0u) << cost.name;
+            }
+        }
+        for (const Diff &diff : diffs()) {
+            if (diff.w == 0) diff.run(w, h, nullptr, nullptr, 16, 16, 16, nullptr);
+        }
+    }
+}
+
+TEST_P(Metric, DiffsEqualThePlainLoopsAndStayInTheirRows) {
+    for (const Diff &diff : diffs()) {
+        for_all_sizes(diff, [&](int w, int h) {
+            for_all_blocks(w, h, diff.a, diff.b, [&](const Block &a, const Block &b, auto content) {
+                const int stride = a.stride < 0 ? -w - 2 : w + (b.stride < 0 ? 0 : 5);
+                Block out(w, h, stride, kSampleType<int16_t>, a.stride % 2 == 0 ? Flush::kEnd : Flush::kBegin);
+                std::vector<uint8_t> expected = out.buffer.bytes();
+                diff.expected(w, h, a.first, b.first, a.stride, b.stride, stride,
+                              reinterpret_cast<int16_t *>(expected.data() + (out.first - out.buffer.data())));
+                diff.run(w, h, a.first, b.first, a.stride, b.stride, stride, reinterpret_cast<int16_t *>(out.first));
+                ASSERT_TRUE(out.buffer.bytes() == expected && out.buffer.slack_intact())
+                    << diff.name << ' ' << w << 'x' << h << ", " << content;
+            });
+        });
+    }
+}
+
+// Output, inputs and the rows of the output over one another, anywhere in one area.
+TEST_P(Metric, OverlappingDiffsRunInOrder) {
+    Random random;
+    constexpr int kBytes = 1 << 15;
+    for (const Diff &diff : diffs()) {
+        for (int round = 0; round < 12; round++) {
+            const int w = diff.w != 0 ? diff.w : random.between(1, 70), h = diff.h != 0 ? diff.h : random.between(1, 9);
+            const auto stride = [&](int bytes) {
+                const int most = std::min(w + 5, (kBytes / 2 - 2 * w) / h / bytes);
+                return random.between(-most, most);
+            };
+            const int strides[] = {stride(diff.a.bytes), stride(diff.b.bytes), stride(2)};
+            const auto place = [&] { return kBytes / 2 + 2 * random.between(-w, w); };
+            const int at[] = {place(), place(), place()};
+            std::vector<uint8_t> area(kBytes);
+            std::generate(area.begin(), area.end(), [&] { return static_cast<uint8_t>(random()); });
+            std::vector<uint8_t> expected = area;
+            const auto call = [&](const auto &function, std::vector<uint8_t> &memory) {
+                function(w, h, &memory[at[0]], &memory[at[1]], strides[0], strides[1], strides[2],
+                         reinterpret_cast<int16_t *>(&memory[at[2]]));
+            };
+            call(diff.expected, expected);
+            call(diff.run, area);
+            ASSERT_TRUE(area == expected) << diff.name << ' ' << w << 'x' << h << ", at "
+                                          << ::testing::PrintToString(at) << ", strides "
+                                          << ::testing::PrintToString(strides);
+        }
+    }
+}
+
+// Rows 2^30 samples apart: offsets beyond 2 and 4 GiB.
+TEST_P(Metric, RowsMayLieFarApart) {
+    constexpr int32_t kStride = 1 << 30;
+    constexpr size_t kBytes = (size_t{7} * kStride + 4096) * 2;
+    void *map = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (map == MAP_FAILED) GTEST_SKIP() << "no address space";
+    auto *base = static_cast<uint8_t *>(map);
+    Random random;
+    for (size_t y = 0; y < 15; y++) {
+        for (size_t x = 0; x < 512; x++) base[y * kStride + x] = static_cast<uint8_t>(random());
+    }
+    const auto with_size = [](const auto &member, const auto &check) {
+        if (member.h <= 8) check(member.w != 0 ? member.w : 24, member.h != 0 ? member.h : 8);
+    };
+    for (const Cost &cost : costs()) {
+        with_size(cost, [&](int w, int h) {
+            EXPECT_EQ(cost.run(w, h, base, base + 256, kStride, kStride),
+                      cost.expected(w, h, base, base + 256, kStride, kStride))
+                << cost.name;
+        });
+    }
+    auto *out = reinterpret_cast<int16_t *>(base + 1024);
+    for (const Diff &diff : diffs()) {
+        with_size(diff, [&](int w, int h) {
+            diff.run(w, h, base, base + 256, kStride, kStride, kStride, out);
+            diff.expected(w, h, base, base + 256, kStride, kStride, kStride, out + 256);
+            for (ptrdiff_t y = 0; y < h; y++) {
+                const int16_t *row = out + y * kStride;
+                ASSERT_EQ(std::memcmp(row, row + 256, static_cast<size_t>(2 * w)), 0) << diff.name << " row " << y;
+            }
+        });
+    }
+    munmap(map, kBytes);
+}
+
+TEST_P(Metric, HadamardEqualsTheMatrix) {
+    Random random;
+    const auto check = [](const std::vector<int16_t> &values) {
+        GuardedBuffer buffer(32);
+        std::copy(values.begin(), values.end(), buffer.as<int16_t>());
+        buffer.protect(true);
+        EXPECT_EQ(qorv_hadamard4x4(buffer.as<int16_t>()), hadamard({values.begin(), values.end()}, 4) >> 1)
+            << ::testing::PrintToString(values);
+    };
+    for (int limit : {1, 255, 4095, 4097, 32767}) {
+        for (int i = 0; i < 200; i++) {
+            std::vector<int16_t> values(16);
+            for (int16_t &v : values) v = static_cast<int16_t>(i % 2 == 0 ? random.between(-limit, limit) : limit);
+            if (i % 4 == 3) values[random.below(16)] = static_cast<int16_t>(-limit - 1);
+            check(values);
+        }
+    }
+    check(std::vector<int16_t>(16, INT16_MIN));
+}
+
+// Values worked out by hand, as a hold on the plain loops themselves.
+TEST_P(Metric, KnownValues) {
+    const std::vector<uint8_t> black(64 * 64, 0), white(64 * 64, 255), grey(64, 20);
+    EXPECT_EQ(qorv_sad64x64(white.data(), black.data(), 64, 64), 1044480u);
+    EXPECT_EQ(qorv_ssd(64, 64, black.data(), white.data(), 64, 64), 266342400u);
+    const std::vector<int16_t> negative(64, -10);
+    EXPECT_EQ(qorv_sad8x8_bi(negative.data(), grey.data(), 8, 8), 1920u);
+
+    const int16_t low[4] = {INT16_MIN, 0, 0, 0}, high[4] = {INT16_MAX, 0, 0, 0}, zero[4] = {};
+    EXPECT_EQ(qorv_sad2x2_16(low, high, 2, 2), 65537u);
+    EXPECT_EQ(qorv_sad2x2_16(high, low, 2, 2), 65533u);
+    EXPECT_EQ(qorv_sad2x2_16(zero, high, 2, 2), 32767u);
+
+    int16_t residual[64] = {1};
+    EXPECT_EQ(qorv_hadamard4x4(residual), 8u);
+    EXPECT_EQ(qorv_satd8x8_bi(residual, black.data(), 8, 64), 16u);
+    residual[1] = -1;
+    EXPECT_EQ(qorv_hadamard4x4(residual), 8u);
+    std::fill(std::begin(residual), std::end(residual), int16_t{1});
+    EXPECT_EQ(qorv_hadamard4x4(residual), 8u);
+    EXPECT_EQ(qorv_satd8x8_bi(residual, black.data(), 8, 64), 16u);
+    EXPECT_EQ(qorv_satd(6, 4, white.data(), black.data(), 64, 64), 2u * 8 * 255);
+
+    int16_t out[4];
+    const int16_t minimum[4] = {INT16_MIN}, one[4] = {1};
+    qorv_diff2x2_16(minimum, one, 2, 2, 2, out);
+    EXPECT_EQ(out[0], INT16_MAX);
+}
+
+}  // namespace
+}  // namespace test
