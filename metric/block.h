@@ -35,7 +35,9 @@ template <class T>
 template <class Word, int Rows>
 [[gnu::always_inline]] inline Vec<uint8_t, 16> load_column(const uint8_t *p, ptrdiff_t stride) {
     using V = Vec<Word, 16>;
-    const auto row = [&](int y) __attribute__((always_inline)) { return load_word<Word>(p + y * stride); };
+    const auto row = [&](int y) __attribute__((always_inline)) {
+        return load_word<Word>(p + y * stride);
+    };
     if constexpr (Rows == 1) return (Vec<uint8_t, 16>)V{row(0)};
     if constexpr (Rows == 2) return (Vec<uint8_t, 16>)V{row(0), row(1)};
     if constexpr (Rows == 4) return (Vec<uint8_t, 16>)V{row(0), row(1), row(2), row(3)};
@@ -89,8 +91,8 @@ constexpr int smaller(int a, int b) {
     return a < b ? a : b;
 }
 
-// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, kStep rows at a time, which are
-// at most `Vectors` vectors where a row is not more than that already.
+// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, kStep rows at a time, which
+// are at most `Vectors` vectors where a row is not more than that already.
 template <int Width, int Lanes, int Vectors>
 struct Shape {
     static constexpr int kColumns = smaller(Width, Lanes);

@@ -57,9 +57,10 @@ template <int Width, int Rows, class A, class B>
     });
 }
 
-template <int Width, int Rows = Shape<Width, Width < 16 ? 8 : kVectorBytes / 2, 4>::kStep, class A, class B>
-[[gnu::always_inline]] inline void diff_strip(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
-                                              ptrdiff_t stride_out, int16_t *out, int32_t rows) {
+template <int Width, int Rows = Shape<Width, Width<16 ? 8 : kVectorBytes / 2, 4>::kStep, class A,
+                                      class B> [[gnu::always_inline]] inline void
+                         diff_strip(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
+                                    ptrdiff_t stride_out, int16_t *out, int32_t rows) {
     for (; rows >= Rows; rows -= Rows) {
         diff_rows<Width, Rows>(a, b, stride_a, stride_b, stride_out, out);
         a += Rows * stride_a;
@@ -90,9 +91,10 @@ void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, i
     }
     for (; h > 0; h -= kMaxRows) {
         const int32_t rows = h < kMaxRows ? h : kMaxRows;
-        for_each_strip(w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
-            diff_strip<columns.value>(a + x, b + x, stride_a, stride_b, stride_out, out + x, rows);
-        });
+        for_each_strip(
+            w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
+                diff_strip<columns.value>(a + x, b + x, stride_a, stride_b, stride_out, out + x, rows);
+            });
         a += ptrdiff_t{kMaxRows} * stride_a;
         b += ptrdiff_t{kMaxRows} * stride_b;
         out += ptrdiff_t{kMaxRows} * stride_out;

@@ -12,7 +12,8 @@ constexpr int32_t magnitude(int32_t d) {
     return (d ^ mask) - mask;
 }
 
-// Sum of the magnitudes, or of their squares, sample by sample and exactly: for the blocks that 16-bit lanes cannot hold.
+// Sum of the magnitudes, or of their squares, sample by sample and exactly: for the blocks that 16-bit lanes cannot
+// hold.
 template <bool Squared, class A, class B>
 [[gnu::noinline]] uint32_t exact_sum(int32_t w, int32_t h, const A *a, const B *b, ptrdiff_t stride_a,
                                      ptrdiff_t stride_b) {
@@ -91,7 +92,8 @@ struct WordMetric {
     [[gnu::always_inline]] bool exact() const { return !top_bit_set(large); }
 };
 
-// Sum of the magnitudes. Those of a step gather in 16-bit lanes, at most 8 in each: content of 12 bits stays below 2^15.
+// Sum of the magnitudes. Those of a step gather in 16-bit lanes, at most 8 in each: content of 12 bits stays below
+// 2^15.
 template <int Width>
 struct WordSad : WordMetric<Width> {
     using typename WordMetric<Width>::Lanes;
@@ -144,9 +146,10 @@ uint32_t area_sum(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a
     uint32_t sum = 0;
     for (; h > 0; h -= kMaxRows) {
         const int32_t rows = h < kMaxRows ? h : kMaxRows;
-        for_each_strip(w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
-            sum += strip_sum<Squared, columns.value>(a + x, b + x, stride_a, stride_b, rows);
-        });
+        for_each_strip(
+            w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
+                sum += strip_sum<Squared, columns.value>(a + x, b + x, stride_a, stride_b, rows);
+            });
         a += ptrdiff_t{kMaxRows} * stride_a;
         b += ptrdiff_t{kMaxRows} * stride_b;
     }

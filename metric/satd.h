@@ -37,8 +37,8 @@ template <int Bytes, int N, class V>
     });
 }
 
-// The last stage, between neighbouring lanes, added up: half the sum of all magnitudes. 16-bit lanes reach 2^15 - 1 here
-// at the most; `Small` says that four times as much stays below 2^15.
+// The last stage, between neighbouring lanes, added up: half the sum of all magnitudes. 16-bit lanes reach 2^15 - 1
+// here at the most; `Small` says that four times as much stays below 2^15.
 template <bool Small, int N, class Sum, class V>
 [[gnu::always_inline]] inline void add_half_magnitudes(Sum &sum, V (&v)[N]) {
     V all = {};
@@ -197,8 +197,8 @@ template <class A, class B>
 [[gnu::always_inline]] inline Vec<uint16_t, 16> wrapped(const A *a, const B *b) {
     using V = Vec<uint16_t, 16>;
     const V va = (V)load_samples<8, 1, 16>(a, 0), vb = (V)load_samples<8, 1, 16>(b, 0);
-    // Of two unsigned samples on the same side of 2^15 the residual is exact. An unsigned one below 2^15 is a signed one,
-    // and of two signed ones the distance tells.
+    // Of two unsigned samples on the same side of 2^15 the residual is exact. An unsigned one below 2^15 is a signed
+    // one, and of two signed ones the distance tells.
     if constexpr (kUnsignedWords<A> && kUnsignedWords<B>) return (va ^ vb) & static_cast<uint16_t>(0x8000);
     const V distance = abs_difference((Vec<int16_t, 16>)va, (Vec<int16_t, 16>)vb);
     return kUnsignedWords<B> ? distance | (vb & static_cast<uint16_t>(0x8000)) : distance;

@@ -53,7 +53,8 @@ uint32_t plain_sad(int w, int h, const A *a, const B *b, int64_t stride_a, int64
 template <class A, class B>
 uint32_t plain_ssd(int w, int h, const A *a, const B *b, int64_t stride_a, int64_t stride_b) {
     uint64_t sum = 0;
-    for (int64_t d : residual(w, h, a, b, stride_a, stride_b)) sum += static_cast<uint64_t>(magnitude(d) * magnitude(d));
+    for (int64_t d : residual(w, h, a, b, stride_a, stride_b))
+        sum += static_cast<uint64_t>(magnitude(d) * magnitude(d));
     return static_cast<uint32_t>(sum);
 }
 
@@ -127,8 +128,9 @@ Cost cost(const std::string &name, int w, int h, auto run) {
 }
 
 inline const std::vector<Cost> &costs() {
-#define QORV_BLOCK(kind, w, h, suffix, A, B) \
-    cost<A, B>(#kind #w "x" #h #suffix, w, h, [](int, int, auto... args) { return qorv_##kind##w##x##h##suffix(args...); }),
+#define QORV_BLOCK(kind, w, h, suffix, A, B)  \
+    cost<A, B>(#kind #w "x" #h #suffix, w, h, \
+               [](int, int, auto... args) { return qorv_##kind##w##x##h##suffix(args...); }),
 #define QORV_SAD(w, h, suffix, A, B) QORV_BLOCK(sad, w, h, suffix, A, B)
 #define QORV_SATD(w, h, suffix, A, B) QORV_BLOCK(satd, w, h, suffix, A, B)
 #define QORV_AREA(name, T) cost<T, T>(#name, 0, 0, qorv_##name),
@@ -142,9 +144,9 @@ inline const std::vector<Cost> &costs() {
 }
 
 inline const std::vector<Diff> &diffs() {
-#define QORV_DIFF(w, h, suffix, A, B)                                                                             \
-    erased<Diff, A, B>(                                                                                           \
-        "diff" #w "x" #h #suffix, w, h, [](int, int, auto... args) { qorv_diff##w##x##h##suffix(args...); },      \
+#define QORV_DIFF(w, h, suffix, A, B)                                                                        \
+    erased<Diff, A, B>(                                                                                      \
+        "diff" #w "x" #h #suffix, w, h, [](int, int, auto... args) { qorv_diff##w##x##h##suffix(args...); }, \
         plain_diff<A, B>),
 #define QORV_AREA(name, T) erased<Diff, T, T>(#name, 0, 0, qorv_##name, plain_diff<T, T>),
     static const std::vector<Diff> members = {QORV_DIFF_BLOCKS(QORV_DIFF) QORV_AREA_DIFFS(QORV_AREA)};
