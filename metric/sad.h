@@ -143,6 +143,7 @@ uint32_t block_sad(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
 
 template <bool Squared, class T>
 uint32_t area_sum(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
+    if (w < 1) return 0;
     uint32_t sum = 0;
     for (; h > 0; h -= kMaxRows) {
         const int32_t rows = h < kMaxRows ? h : kMaxRows;

@@ -156,6 +156,7 @@ template <int Bytes, class Sum, class T>
 // Whole tiles, the last ones reaching up to 3 columns and rows beyond the area.
 template <class T>
 uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
+    if (w < 1) return 0;
     constexpr int kWide = kVectorBytes / 2;
     uint32_t total = 0;
     Vec<uint32_t, kVectorBytes> wide = {};

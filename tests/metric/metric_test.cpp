@@ -175,8 +175,8 @@ TEST_P(Metric, OverlappingDiffsRunInOrder) {
             std::generate(area.begin(), area.end(), [&] { return static_cast<uint8_t>(random()); });
             std::vector<uint8_t> expected = area;
             const auto call = [&](const auto &function, std::vector<uint8_t> &memory) {
-                function(w, h, &memory[at[0]], &memory[at[1]], strides[0], strides[1], strides[2],
-                         reinterpret_cast<int16_t *>(&memory[at[2]]));
+                function(w, h, memory.data() + at[0], memory.data() + at[1], strides[0], strides[1], strides[2],
+                         reinterpret_cast<int16_t *>(memory.data() + at[2]));
             };
             call(diff.expected, expected);
             call(diff.run, area);
