@@ -437,7 +437,8 @@ QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32
  * Fills the padding round every plane: each row's first sample to its left, its last sample to its right, then the first
  * and the last row, margins included, upwards and downwards.
  *
- * The planes' sizes are those of the aligned picture, aw x ah. Odd ends: with unequal halves of a padding word the
+ * The planes' sizes follow from the aligned picture, aw x ah: where chroma planes were given a finer alignment than
+ * luma, their rows reach beyond their storage, so give all planes one alignment word. Odd ends: with unequal halves of a padding word the
  * left run begins `vertical` samples left of the row and is `horizontal` samples long, so it ends inside the row when
  * the horizontal half is the larger one, and leaves a gap when it is the smaller one. The chroma plane of
  * #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, so its pairs are not kept together; the
