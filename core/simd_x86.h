@@ -43,7 +43,10 @@ template <int A, int B>
 // The upper half of (256 v + low) x C: C low / 256 is what is added before the shift.
 template <int C>
 [[gnu::always_inline]] inline U8 high_bytes_of_product(U8 v, int low) {
-    const Register factor = QORV_MM(set1_epi16)(C), lows = QORV_MM(set1_epi8)(static_cast<char>(low));
+    const Register factor = QORV_MM(set1_epi16)(C);
+    Register lows = QORV_MM(set1_epi8)(static_cast<char>(low));
+    // clang would merge a constant into shuffles of its own, one more for each half.
+    if (low != 0) __asm__("" : "+x"(lows));
     return (U8)QORV_MM(packus_epi16)(QORV_MM(mulhi_epu16)(QORV_MM(unpacklo_epi8)(lows, (Register)v), factor),
                                      QORV_MM(mulhi_epu16)(QORV_MM(unpackhi_epi8)(lows, (Register)v), factor));
 }
