@@ -70,7 +70,7 @@ inline uint32_t read(QORV_BSR &r, int32_t n) {
 }
 
 inline uint32_t read1(QORV_BSR &r) {
-    if (r.leftbits == 0) {
+    if (r.leftbits == 0) [[unlikely]] {
         if (!word_at_hand(r)) return read1_refilling(r);
         load_word(r);
     }
@@ -101,7 +101,7 @@ inline uint32_t read1(QORV_BSR &r) {
 inline uint32_t read_golomb(QORV_BSR &r) {
     // A cache of zeros counts 31 of them here, so that the code does not fit.
     const int32_t length = 2 * __builtin_clz(r.code | 1) + 1;
-    if (length > r.leftbits) return read_golomb_refilling(r);
+    if (length > r.leftbits) [[unlikely]] return read_golomb_refilling(r);
     return take(r, length);
 }
 

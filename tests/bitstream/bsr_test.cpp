@@ -188,7 +188,7 @@ void random_operation(test::Random &random, QORV_BSR &r, Model &model) {
 
 TEST(BitReader, FollowsTheBitsOperationByOperation) {
     test::Random random;
-    for (int round = 0; round < 20000; round++) {
+    for (int round = 0; round < 8000; round++) {
         const std::vector<uint8_t> bytes = random_bytes(random, random.below(40));
         test::GuardedBuffer data(bytes.size(), random.below(2) != 0 ? test::Flush::kEnd : test::Flush::kBegin);
         data.assign(bytes);
