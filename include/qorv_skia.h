@@ -626,7 +626,8 @@ typedef struct QORV_BSR QORV_BSR;
  * emulation-prevention bytes; the record may then be the first member of a larger one that holds its state. No
  * operation but qorv_bsr_peek() and qorv_bsr_skip_peek() looks at the buffer itself.
  * @param bsr    the reader; the bits still in `code` have been taken care of by the caller.
- * @param count  bytes wanted, 1 to 4.
+ * @param count  bytes wanted, 1 to 4; more only when qorv_bsr_peek() meets a debt of 8 bits or more, and the word then
+ *               holds the first four.
  * @return 0; or #QORV_ERR when no byte is left, with `code` and `leftbits` 0.
  */
 typedef int32_t (*QORV_BSR_FN_FLUSH)(QORV_BSR *bsr, int32_t count);
@@ -654,7 +655,7 @@ QORV_API void qorv_bsr_init(QORV_BSR *bsr, const void *buf, int32_t size, QORV_B
 /**
  * The default refill: loads bytes as they are. See #QORV_BSR_FN_FLUSH.
  * @param bsr    the reader.
- * @param count  bytes wanted, 1 to 4.
+ * @param count  bytes wanted, 1 to 4 (of more, those after the fourth are passed over).
  * @return 0, or #QORV_ERR when no byte is left.
  */
 QORV_API int32_t qorv_bsr_flush(QORV_BSR *bsr, int32_t count);

@@ -29,7 +29,7 @@ struct Payload {
 int32_t refill_without_emulation_prevention(QORV_BSR *bits, int32_t count) {
     bits->code = 0;
     bits->leftbits = 0;
-    while (bits->leftbits < 8 * count && bits->cur <= bits->end) {
+    while (bits->leftbits < 8 * std::min(count, 4) && bits->cur <= bits->end) {
         const uint8_t *const at = bits->cur++;
         if (*at == 3 && at - bits->beg >= 2 && at[-1] == 0 && at[-2] == 0) continue;
         bits->code |= static_cast<uint32_t>(*at) << (24 - bits->leftbits);
