@@ -264,7 +264,7 @@ QORV_API int32_t qorv_sync_wake(int32_t *word, int32_t value);
 QORV_API uint32_t qorv_get_temp_path(char *path);
 
 /**
- * The hardware address of a wireless interface, from /sys/class/net/wlan<index>/address.
+ * The hardware address of a wireless interface, from /sys/class/net/wlanN/address with N = index.
  * @param index  number of the interface: 0 for wlan0.
  * @param addr   8 bytes that receive the six octets and two zero bytes; all zero on failure.
  * @return #QORV_OK, or #QORV_ERR when there is no such file or it does not hold six octets.
@@ -962,13 +962,13 @@ QORV_API qorv_csc_fn qorv_imgp_get_fn_csc(int32_t src_w, int32_t src_h, int32_t 
  *  0..255. A 5-6-5 word is made of the high bits of the three, without rounding.
  *  @{ */
 /** Planes Y, U, V to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_rgb888(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel. Alpha is 255.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -977,53 +977,53 @@ QORV_API void qorv_csc_yuv444_to_rgba8888(const void *const *src, int32_t src_w,
  *  Planes Y, U, V to interleaved bytes without blue. Writes red through dst[1], green through dst[2] and 255 through
  *  dst[3], 4 bytes a pixel. There is no blue; dst[0] and its stride are not read, and the byte below is left as it was.
  *  For a picture with all four channels use the source with alpha, qorv_csc_yuv444a8_to_argb8888().
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel. Alpha is 255.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
-/** Planes Y, U, V to a plane of 5-6-5 words in dst[0]. Arguments as #qorv_csc_fn. */
+/** Planes Y, U, V to a plane of 5-6-5 words in dst[0]. @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_rgb565(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V to a plane of 5-6-5 words in dst[0] and a plane of alpha bytes, 255, in dst[1].
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_rgb565a8(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
-/** Planes Y, U, V to planes R, G, B. Arguments as #qorv_csc_fn. */
+/** Planes Y, U, V to planes R, G, B. @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_r8g8b8(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V, A to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V, A to interleaved bytes; dst: A, R, G, B channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V, A to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes Y, U, V, A to a plane of 5-6-5 words in dst[0] and a plane of alpha bytes in dst[1].
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_rgb565a8(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1031,7 +1031,7 @@ QORV_API void qorv_csc_yuv444a8_to_rgb565a8(const void *const *src, int32_t src_
 /**
  *  Planes Y, U, V, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three bytes
  *  apart. The bytes between the alpha bytes are left as they were.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1043,13 +1043,13 @@ QORV_API void qorv_csc_yuv444a8_to_rgba5658(const void *const *src, int32_t src_
  *  U = ((-43 R - 85 G + 128 B + 128) >> 8) + 128, V = ((128 R - 107 G - 21 B + 128) >> 8) + 128. Pure blue (U) and pure
  *  red (V), which would give 256, give 255. Alpha is copied.
  *  @{ */
-/** Planes R, G, B to planes Y, U, V. Arguments as #qorv_csc_fn. */
+/** Planes R, G, B to planes Y, U, V. @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8_to_yuv444(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
 
 /** Interleaved bytes to planes Y, U, V; src: R, G, B channel pointers, 3 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_rgb888_to_yuv444(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
@@ -1057,18 +1057,18 @@ QORV_API void qorv_csc_rgb888_to_yuv444(const void *const *src, int32_t src_w, i
 /**
  *  A plane of 5-6-5 words to planes Y, U, V. The words are widened with zero low bits: R = (p >> 8) & 0xF8,
  *  G = (p >> 3) & 0xFC, B = (p & 31) << 3, so white is (248, 252, 248).
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_rgb565_to_yuv444(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
 
 /** Interleaved bytes to planes Y, U, V, A; src: R, G, B, A channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_rgba8888_to_yuv444a8(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
-/** Planes R, G, B, A to planes Y, U, V, A. Arguments as #qorv_csc_fn. */
+/** Planes R, G, B, A to planes Y, U, V, A. @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_yuv444a8(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1079,30 +1079,30 @@ QORV_API void qorv_csc_r8g8b8a8_to_yuv444a8(const void *const *src, int32_t src_
  *  No arithmetic: bytes are reordered, or packed to 5-6-5 words by dropping the low bits of each channel.
  *  @{ */
 /** Planes R, G, B to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8_to_rgb888(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes R, G, B to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel. Alpha is 255.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes R, G, B to interleaved bytes; dst: A, R, G, B channel pointers, 4 bytes a pixel. Alpha is 255.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes R, G, B to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel. Alpha is 255.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
-/** Planes R, G, B to a plane of 5-6-5 words in dst[0]. Arguments as #qorv_csc_fn. */
+/** Planes R, G, B to a plane of 5-6-5 words in dst[0]. @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8_to_rgb565(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                         const int32_t *dst_stride, int32_t dst_cs);
@@ -1110,25 +1110,25 @@ QORV_API void qorv_csc_r8g8b8_to_rgb565(const void *const *src, int32_t src_w, i
 /**
  *  Three planes, whatever they mean, to the top, middle and bottom field of 5-6-5 words in dst[0], and a plane of alpha
  *  bytes, 255, in dst[1].
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_x8y8z8_to_xyz565a8(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes R, G, B, A to interleaved bytes; dst: R, G, B, A channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes R, G, B, A to interleaved bytes; dst: A, R, G, B channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /** Planes R, G, B, A to interleaved bytes; dst: B, G, R, A channel pointers, 4 bytes a pixel.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_bgra8888(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1136,7 +1136,7 @@ QORV_API void qorv_csc_r8g8b8a8_to_bgra8888(const void *const *src, int32_t src_
 /**
  *  Planes R, G, B, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three bytes
  *  apart. The bytes between the alpha bytes are left as they were. In no table.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1144,7 +1144,7 @@ QORV_API void qorv_csc_r8g8b8a8_to_rgba5658(const void *const *src, int32_t src_
 /**
  *  Three planes to 5-6-5 words in dst[0] as qorv_csc_x8y8z8_to_xyz565a8(), and plane src[3] to the alpha bytes of
  *  dst[1].
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_x8y8z8a8_to_xyz565a8(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1157,7 +1157,7 @@ QORV_API void qorv_csc_x8y8z8a8_to_xyz565a8(const void *const *src, int32_t src_
  *  Planes Y, U, V of 10-bit samples in words to planes R, G, B of the same. Strides count samples. With u = U - 512,
  *  v = V - 512: R = Y + ((1436 v + 512) >> 10), G = Y - ((732 v + 352 u + 512) >> 10), B = Y + ((1816 u + 512) >> 10),
  *  each clamped to 0..1023. Samples above 1023 are taken as they are.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_p410_to_r10g10b10(const void *const *src, int32_t src_w, int32_t src_h,
                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1167,7 +1167,7 @@ QORV_API void qorv_csc_p410_to_r10g10b10(const void *const *src, int32_t src_w, 
  *  Y = (308 R + 600 G + 116 B + 512) >> 10, at most 1023; U = ((-172 R - 340 G + 512 B + 512) >> 10) + 512 and
  *  V = ((512 R - 428 G - 84 B + 512) >> 10) + 512, at least 0 and at most 1535: pure blue gives a U and pure red a V of
  *  1024, one above the 10-bit range. Samples above 1023 are taken as they are.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r10g10b10_to_p410(const void *const *src, int32_t src_w, int32_t src_h,
                                          const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
@@ -1176,7 +1176,7 @@ QORV_API void qorv_csc_r10g10b10_to_p410(const void *const *src, int32_t src_w, 
  *  Three planes of 10-bit 4:2:0 in words to three planes of bytes: (sample >> 2) & 255, no rounding, no clamping. Source
  *  strides are in bytes and rounded down to even, destination strides in bytes. Chroma is (src_w >> 1) x (src_h >> 1):
  *  an odd picture's last chroma column and row are not converted. In no table.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                       uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                       const int32_t *dst_stride, int32_t dst_cs);
@@ -1184,7 +1184,7 @@ QORV_API void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int
 /**
  *  Copies planes Y, U, V of bytes, and the alpha plane when dst_cs is #QORV_CS_YUVA444 and src[3] is not null. Each row is
  *  copied byte by byte from the left: a destination 1 to src_w - 1 bytes behind its source repeats the row's beginning.
- *  Arguments as #qorv_csc_fn. */
+ *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
                                           int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
