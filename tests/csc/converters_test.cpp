@@ -122,7 +122,7 @@ TEST_P(Converters, OverlapGivesThePerPixelOutcome) {
     Random random(2);
     constexpr int32_t kSpan = 4096;
     for (const CscCase &c : csc_cases()) {
-        for (int round = 0; round < 60; round++) {
+        for (int round = 0; round < 90; round++) {
             const int32_t w = random.between(1, 90), h = random.between(1, 3);
             Placement placement;
             const auto add = [&](size_t count, std::vector<int64_t> &at, std::vector<int32_t> &stride, int32_t reach) {
@@ -133,6 +133,11 @@ TEST_P(Converters, OverlapGivesThePerPixelOutcome) {
             };
             add(c.src.size(), placement.src, placement.src_stride, 400);
             add(c.dst.size(), placement.dst, placement.dst_stride, 400);
+            if (round % 3 == 1) {  // rows of all planes interleaved or overlapping with one distance
+                const int32_t stride = random.between(-150, 150) / (c.deep ? 2 : 1);
+                placement.src_stride.assign(c.src.size(), stride);
+                placement.dst_stride.assign(c.dst.size(), stride);
+            }
             if (round % 3 == 0) {  // in place
                 for (size_t k = 0; k < c.dst.size(); k++) {
                     const size_t from = std::min(k, c.src.size() - 1);
