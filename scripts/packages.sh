@@ -4,7 +4,7 @@ packages_build="g++ cmake ninja-build pkg-config googletest libpng-dev libcli11-
 packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg-dev libx264-dev libssl-dev
   libopencv-core-dev libopencv-imgproc-dev"
 packages_check="gcc clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
-  g++-aarch64-linux-gnu qemu-user"
+  g++-aarch64-linux-gnu qemu-user dpkg-dev doxygen"
 
 need_packages() {
   local missing=() package
