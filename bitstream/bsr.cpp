@@ -56,13 +56,21 @@ inline uint32_t take_short(QORV_BSR &r, int32_t n) {
     return high | take_short(r, n - left);
 }
 
+// Where the cached bits end is as good as random to a processor's branch prediction, so the next word is always loaded
+// and, where it is not needed, masked out.
 inline uint32_t read(QORV_BSR &r, int32_t n) {
     const int32_t left = r.leftbits;
-    if (n <= left) [[likely]] return take(r, n);
-    if (left < 0 || !word_at_hand(r)) return read_refilling(r, n);
-    const uint32_t high = shift_right(r.code, 32 - n);
-    load_word(r);
-    return high | take(r, n - left);
+    if (left >= 0 && word_at_hand(r)) [[likely]] {
+        const int32_t missing = n - left;
+        const uint32_t needed = 0 - static_cast<uint32_t>(missing > 0);  // a mask
+        const uint64_t more = load_big_endian(r.cur) & needed;
+        const uint64_t split = uint64_t{r.code} << n | more << (missing & 63);
+        r.code = static_cast<uint32_t>(split);
+        r.leftbits = static_cast<int32_t>(needed & 32) - missing;
+        r.cur += needed & kWordBytes;
+        return static_cast<uint32_t>(split >> 32);
+    }
+    return n <= left ? take(r, n) : read_refilling(r, n);
 }
 
 [[gnu::noinline]] uint32_t read1_refilling(QORV_BSR &r) {
@@ -101,7 +109,8 @@ inline uint32_t read1(QORV_BSR &r) {
 inline uint32_t read_golomb(QORV_BSR &r) {
     // A cache of zeros counts 31 of them here, so that the code does not fit.
     const int32_t length = 2 * __builtin_clz(r.code | 1) + 1;
-    if (length > r.leftbits) [[unlikely]] return read_golomb_refilling(r);
+    if (length > r.leftbits) [[unlikely]]
+        return read_golomb_refilling(r);
     return take(r, length);
 }
 
