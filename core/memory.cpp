@@ -27,22 +27,19 @@ void copy_picture(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t sr
     }
 }
 
-// The samples that a block copy moves of each row: the block widths themselves, 64 for any other.
-constexpr int32_t block_width(int32_t width) {
-    switch (width) {
-        case 2:
-        case 4:
-        case 6:
-        case 8:
-        case 12:
-        case 16:
-        case 24:
-        case 32:
-        case 48:
-            return width;
-        default:
-            return 64;
+// For each width its place among kBlockWidths.
+struct BlockPlaces {
+    uint8_t of[65];
+    constexpr BlockPlaces() : of{} {
+        for (uint8_t &place : of) place = kBlockWidthCount - 1;
+        for (uint8_t place = 0; place < kBlockWidthCount; place++) of[kBlockWidths[place]] = place;
     }
+};
+constexpr BlockPlaces kBlockPlaces;
+
+CopyRows block_copier(int32_t sample_bytes, int32_t width) {
+    const uint32_t known = static_cast<uint32_t>(width) < 64 ? static_cast<uint32_t>(width) : 64;
+    return active.memory->copy_rows[sample_bytes - 1][kBlockPlaces.of[known]];
 }
 
 }  // namespace
@@ -88,11 +85,10 @@ extern "C" void qorv_mcpy_pic_16(void *dst, const void *src, int32_t dst_stride,
 
 extern "C" void qorv_mcpy_blk(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,
                               int32_t height) {
-    active.memory->copy_block(dst, src, dst_stride, src_stride, block_width(width), height);
+    block_copier(1, width)(dst, src, dst_stride, src_stride, height);
 }
 
 extern "C" void qorv_mcpy_blk_16(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,
                                  int32_t height) {
-    active.memory->copy_block(dst, src, 2 * ptrdiff_t{dst_stride}, 2 * ptrdiff_t{src_stride}, 2 * block_width(width),
-                              height);
+    block_copier(2, width)(dst, src, 2 * ptrdiff_t{dst_stride}, 2 * ptrdiff_t{src_stride}, height);
 }

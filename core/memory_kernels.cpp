@@ -7,19 +7,22 @@ namespace qorv::QORV_ISA {
 
 namespace {
 
-// Fills of at least a vector: whole vectors and one more that ends with the run.
+// Fills of at least a vector. Between its first and its last vector the run is stored aligned: stores that cross a
+// cache line take several times as long.
 template <class V>
-void fill_vectors(uint8_t *dst, uint16_t value, size_t bytes) {
-    const V all = splat<V>(value);
+[[gnu::always_inline]] inline void fill_vectors(uint8_t *dst, uint16_t value, size_t bytes) {
+    const V ends = splat<V>(value);
     uint8_t *last = dst + bytes - sizeof(V);
-    for (; bytes >= 8 * sizeof(V); bytes -= 4 * sizeof(V), dst += 4 * sizeof(V)) {
-        store(dst, all);
-        store(dst + sizeof(V), all);
-        store(dst + 2 * sizeof(V), all);
-        store(dst + 3 * sizeof(V), all);
+    store(dst, ends);
+    store(last, ends);
+    if (bytes <= 2 * sizeof(V)) return;
+    const size_t head = sizeof(V) - reinterpret_cast<uintptr_t>(dst) % sizeof(V);
+    const V body = head % 2 == 0 ? ends : splat<V>(value << 8 | value >> 8);
+    dst += head;
+    for (; dst + 3 * sizeof(V) < last; dst += 4 * sizeof(V)) {
+        for (size_t i = 0; i < 4; i++) store(dst + i * sizeof(V), body);
     }
-    for (; dst < last; dst += sizeof(V)) store(dst, all);
-    store(last, all);
+    for (; dst < last; dst += sizeof(V)) store(dst, body);
 }
 
 void fill16(void *dst, uint16_t value, size_t n) {
@@ -43,50 +46,27 @@ template <int Bytes>
 }
 
 template <int Bytes>
-void copy_rows(uint8_t *dst, const uint8_t *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t rows) {
+void copy_rows(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t rows) {
+    uint8_t *to = static_cast<uint8_t *>(dst);
+    const uint8_t *from = static_cast<const uint8_t *>(src);
     for (; rows > 1; rows -= 2) {
-        copy_row<Bytes>(dst, src);
-        copy_row<Bytes>(dst + dst_stride, src + src_stride);
-        dst += 2 * dst_stride;
-        src += 2 * src_stride;
+        copy_row<Bytes>(to, from);
+        copy_row<Bytes>(to + dst_stride, from + src_stride);
+        to += 2 * dst_stride;
+        from += 2 * src_stride;
     }
-    if (rows == 1) copy_row<Bytes>(dst, src);
-}
-
-void copy_block(void *dst_start, const void *src_start, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t row_bytes,
-                int32_t rows) {
-    uint8_t *dst = static_cast<uint8_t *>(dst_start);
-    const uint8_t *src = static_cast<const uint8_t *>(src_start);
-    switch (row_bytes) {
-        case 2:
-            return copy_rows<2>(dst, src, dst_stride, src_stride, rows);
-        case 4:
-            return copy_rows<4>(dst, src, dst_stride, src_stride, rows);
-        case 6:
-            return copy_rows<6>(dst, src, dst_stride, src_stride, rows);
-        case 8:
-            return copy_rows<8>(dst, src, dst_stride, src_stride, rows);
-        case 12:
-            return copy_rows<12>(dst, src, dst_stride, src_stride, rows);
-        case 16:
-            return copy_rows<16>(dst, src, dst_stride, src_stride, rows);
-        case 24:
-            return copy_rows<24>(dst, src, dst_stride, src_stride, rows);
-        case 32:
-            return copy_rows<32>(dst, src, dst_stride, src_stride, rows);
-        case 48:
-            return copy_rows<48>(dst, src, dst_stride, src_stride, rows);
-        case 64:
-            return copy_rows<64>(dst, src, dst_stride, src_stride, rows);
-        case 96:
-            return copy_rows<96>(dst, src, dst_stride, src_stride, rows);
-        default:
-            return copy_rows<128>(dst, src, dst_stride, src_stride, rows);
-    }
+    if (rows == 1) copy_row<Bytes>(to, from);
 }
 
 }  // namespace
 
-constinit const MemoryKernels memory_kernels = {fill16, copy_block};
+#define QORV_COPY_ROWS(sample)                                                                              \
+    {                                                                                                       \
+        copy_rows<2 * sample>, copy_rows<4 * sample>, copy_rows<6 * sample>, copy_rows<8 * sample>,         \
+            copy_rows<12 * sample>, copy_rows<16 * sample>, copy_rows<24 * sample>, copy_rows<32 * sample>, \
+            copy_rows<48 * sample>, copy_rows<64 * sample>                                                  \
+    }
+
+constinit const MemoryKernels memory_kernels = {fill16, {QORV_COPY_ROWS(1), QORV_COPY_ROWS(2)}};
 
 }  // namespace qorv::QORV_ISA

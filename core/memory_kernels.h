@@ -6,13 +6,18 @@
 
 namespace qorv {
 
+// The widths of block copies, in samples; the last one stands for every other.
+constexpr uint8_t kBlockWidths[] = {2, 4, 6, 8, 12, 16, 24, 32, 48, 64};
+constexpr size_t kBlockWidthCount = sizeof kBlockWidths;
+
+// Copies rows of one length; strides in bytes.
+using CopyRows = void (*)(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t rows);
+
 struct MemoryKernels {
     // Fills `n` samples; dst has any alignment.
     void (*fill16)(void *dst, uint16_t value, size_t n);
-    // Copies `rows` rows of `row_bytes` bytes, which is 2, 4, 6, 8, 12, 16, 24, 32, 48, 64, 96 or 128. Strides in
-    // bytes.
-    void (*copy_block)(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t row_bytes,
-                       int32_t rows);
+    // Block copies of 8-bit and of 16-bit samples, in the order of kBlockWidths.
+    CopyRows copy_rows[2][kBlockWidthCount];
 };
 
 }  // namespace qorv

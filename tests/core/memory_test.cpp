@@ -16,16 +16,19 @@ using test::GuardedBuffer;
 class MemoryKernels : public test::WithKernelSet {};
 INSTANTIATE_FOR_KERNEL_SETS(MemoryKernels);
 
-// Runs a fill on room of exactly `bytes` bytes, at both ends of the accessible memory.
+// Runs a fill on room of exactly `bytes` bytes, at both ends of the accessible memory and one byte away from them.
 template <class Fill>
 void expect_fill(size_t bytes, uint16_t pattern, Fill fill) {
-    for (Flush flush : test::kBothFlushes) {
-        GuardedBuffer room(bytes, flush);
+    for (uint32_t variant = 0; variant < 4; variant++) {
+        const bool at_end = variant % 2 == 0;
+        const size_t away = variant / 2;
+        GuardedBuffer room(bytes + away, at_end ? Flush::kEnd : Flush::kBegin);
         room.fill(0x11);
-        fill(room.data());
-        for (size_t i = 0; i < bytes; i++) {
-            ASSERT_EQ(room.data()[i], static_cast<uint8_t>(pattern >> 8 * (i % 2))) << i << " of " << bytes;
-        }
+        fill(room.data() + (at_end ? 0 : away));
+        std::vector<uint8_t> expected(bytes);
+        for (size_t i = 0; i < bytes; i++) expected[i] = static_cast<uint8_t>(pattern >> 8 * (i % 2));
+        expected.insert(at_end ? expected.end() : expected.begin(), away, 0x11);
+        ASSERT_EQ(room.bytes(), expected);
         EXPECT_TRUE(room.slack_intact()) << bytes;
     }
 }
