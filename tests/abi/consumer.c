@@ -77,10 +77,54 @@ static void check_text(void) {
     CHECK(strcmp(out[1], "srv") == 0 && strcmp(out[3], "/x") == 0);
 }
 
+static void check_bitstream(void) {
+    uint8_t bytes[8];
+    QORV_BSW bsw;
+    CHECK(qorv_bsw_init(&bsw, bytes, sizeof bytes, NULL) == &bsw);
+    qorv_bsw_write_ue(&bsw, 41);
+    CHECK(qorv_bsw_sink(&bsw) == 0);
+    QORV_BSR bsr;
+    qorv_bsr_init(&bsr, bytes, sizeof bytes, NULL);
+    CHECK(qorv_bsr_read_ue(&bsr) == 41);
+}
+
+static void check_pictures(void) {
+    const uint8_t grey[3] = {100, 128, 128};
+    const void *src[3] = {&grey[0], &grey[1], &grey[2]};
+    uint8_t rgb[3] = {0};
+    void *dst[3] = {&rgb[0], &rgb[1], &rgb[2]};
+    const int32_t stride[3] = {3, 3, 3};
+    const qorv_csc_fn convert = qorv_imgp_get_fn_csc(1, 1, QORV_CS_YUV444, 1, 1, QORV_CS_RGB888, NULL);
+    CHECK(convert != NULL);
+    convert(src, 1, 1, stride, 0, dst, 1, 1, stride, QORV_CS_RGB888);
+    CHECK(rgb[0] == 100 && rgb[1] == 100 && rgb[2] == 100);
+
+    uint8_t block[16], zeros[16] = {0};
+    int16_t difference[16];
+    memset(block, 2, sizeof block);
+    CHECK(qorv_sad4x4(block, zeros, 4, 4) == 32 && qorv_ssd(4, 4, block, zeros, 4, 4) == 64);
+    CHECK(qorv_satd4x4(block, block, 4, 4) == 0);
+    qorv_diff4x4(block, zeros, 4, 4, 4, difference);
+    CHECK(difference[15] == 2);
+}
+
+static void check_media_and_digests(void) {
+    CHECK(qorv_fcc2mt(85) == QORV_MT_AUD_MP3 && qorv_is_vkeyfrm(QORV_MT_VID_HFYU, NULL, 0) == 1);
+    QORV_MD5 md5;
+    uint8_t digest[16];
+    CHECK(qorv_md5_init(&md5) == &md5);
+    qorv_md5_update(&md5, "abc", 3);
+    qorv_md5_finish(&md5, digest);
+    CHECK(digest[0] == 0x90 && digest[15] == 0x72);
+}
+
 int main(void) {
     check_core();
     check_buffers();
     check_containers();
     check_text();
+    check_bitstream();
+    check_pictures();
+    check_media_and_digests();
     return failures;
 }
