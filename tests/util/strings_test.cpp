@@ -32,46 +32,40 @@ private:
 constexpr int kNone = -1;
 
 TEST(Strings, MoveToTheDocumentedByte) {
-    struct Case {
+    struct Cases {
         const char *(*move)(const char *);
-        const char *str;
-        int index;
+        std::vector<std::pair<const char *, int>> results;
     };
-    const Case cases[] = {
-        {qorv_str_move_to_validw, "", kNone},
-        {qorv_str_move_to_validw, " \t\r\n", kNone},
-        {qorv_str_move_to_validw, " \t\r\nabc", 4},
-        {qorv_str_move_to_validw, "\vabc", 0},
-        {qorv_str_move_to_validw, "\xA0", 0},
-        {qorv_str_move_to_eow, "", kNone},
-        {qorv_str_move_to_eow, "a", 0},
-        {qorv_str_move_to_eow, " ", 0},
-        {qorv_str_move_to_eow, "abc def", 2},
-        {qorv_str_move_to_eow, "abc", kNone},
-        {qorv_str_move_to_eow, "abc ", kNone},
-        {qorv_str_move_to_eow, "abc  ", 2},
-        {qorv_str_move_to_eow, "  ", kNone},
-        {qorv_str_move_to_eow, "\t a", 2},
-        {qorv_str_move_to_eow, " a b", 1},
-        {qorv_str_move_to_eow, "\nab\rc", 2},
-        {qorv_str_move_to_nextw, "", kNone},
-        {qorv_str_move_to_nextw, "a", kNone},
-        {qorv_str_move_to_nextw, "  a", kNone},
-        {qorv_str_move_to_nextw, "  ab", 2},
-        {qorv_str_move_to_nextw, "ab", 0},
-        {qorv_str_move_to_nextl, "", kNone},
-        {qorv_str_move_to_nextl, "\n", kNone},
-        {qorv_str_move_to_nextl, "ab\ncd", 2},
-        {qorv_str_move_to_nextl, "ab\r\ncd", 3},
-        {qorv_str_move_to_nextl, "ab\rcd", 2},
-        {qorv_str_move_to_nextl, "ab\r\n", kNone},
-        {qorv_str_move_to_nextl, "ab\n", kNone},
-        {qorv_str_move_to_nextl, "ab\r\r", 2},
-        {qorv_str_move_to_nextl, "abcd", kNone},
-    };
-    for (const Case &c : cases) {
-        const Text text(c.str);
-        EXPECT_EQ(text.index(c.move(text)), c.index) << &c - cases << ": " << c.str;
+    const Cases all[] = {
+        {qorv_str_move_to_validw, {{"", kNone}, {" \t\r\n", kNone}, {" \t\r\nabc", 4}, {"\vabc", 0}, {"\xA0", 0}}},
+        {qorv_str_move_to_eow,
+         {{"", kNone},
+          {"a", 0},
+          {" ", 0},
+          {"abc def", 2},
+          {"abc", kNone},
+          {"abc ", kNone},
+          {"abc  ", 2},
+          {"  ", kNone},
+          {"\t a", 2},
+          {" a b", 1},
+          {"\nab\rc", 2}}},
+        {qorv_str_move_to_nextw, {{"", kNone}, {"a", kNone}, {"  a", kNone}, {"  ab", 2}, {"ab", 0}}},
+        {qorv_str_move_to_nextl,
+         {{"", kNone},
+          {"\n", kNone},
+          {"ab\ncd", 2},
+          {"ab\r\ncd", 3},
+          {"ab\rcd", 2},
+          {"ab\r\n", kNone},
+          {"ab\n", kNone},
+          {"ab\r\r", 2},
+          {"abcd", kNone}}}};
+    for (const Cases &cases : all) {
+        for (const auto &[str, index] : cases.results) {
+            const Text text(str);
+            EXPECT_EQ(text.index(cases.move(text)), index) << &cases - all << ": " << str;
+        }
     }
     EXPECT_EQ(qorv_str_move_to_validw(nullptr), nullptr);
 }
@@ -97,15 +91,12 @@ void expect_cut(const Cut &c, Function cut) {
 }
 
 TEST(Strings, AreCutAtAByte) {
-    for (const Cut &c : {Cut{"", ",", -1, 0, kNone},
-                         {"ab,cd", ",", 0, 2, 3},
-                         {"ab,", ",", 0, 2, kNone},
-                         {"abcd", ",", 0, 4, kNone},
-                         {",b", ",", 0, 0, 1},
-                         {"ab\r\n,c", ",", 0, 2, 3},
-                         {"ab\ncd,", ",", 0, 2, 3},
-                         {"\xFF\xFE", "\xFE", 0, 1, kNone},
-                         {"ab", "", 0, 2, kNone}}) {
+    const Cut cuts[] = {{"", ",", -1, 0, kNone},   {"ab,cd", ",", 0, 2, 3},
+                        {"ab,", ",", 0, 2, kNone}, {"abcd", ",", 0, 4, kNone},
+                        {",b", ",", 0, 0, 1},      {"ab\r\n,c", ",", 0, 2, 3},
+                        {"ab\ncd,", ",", 0, 2, 3}, {"\xFF\xFE", "\xFE", 0, 1, kNone},
+                        {"ab", "", 0, 2, kNone}};
+    for (const Cut &c : cuts) {
         expect_cut(c, [&](const char *str, uint32_t *len, const char **next) {
             return qorv_str_parse_by_ctok(str, c.token[0], len, next);
         });
@@ -113,17 +104,11 @@ TEST(Strings, AreCutAtAByte) {
 }
 
 TEST(Strings, AreCutAtAToken) {
-    for (const Cut &c : {Cut{"", "::", -1, 0, kNone},
-                         {"ab::cd", "::", 0, 2, 4},
-                         {"ab::", "::", 0, 2, kNone},
-                         {"abcd", "::", -1, 0, kNone},
-                         {"ab:", "::", -1, 0, kNone},
-                         {"ab:c\n::", "::", 0, 4, 5},
-                         {"a\r\nb", "::", 0, 1, 2},
-                         {"ab\n", "::", 0, 2, kNone},
-                         {"a\nb", "\n", 0, 1, 2},
-                         {"ab", "", 0, 0, 0},
-                         {"aab", "ab", 0, 1, kNone}}) {
+    const Cut cuts[] = {{"", "::", -1, 0, kNone},     {"ab::cd", "::", 0, 2, 4},   {"ab::", "::", 0, 2, kNone},
+                        {"abcd", "::", -1, 0, kNone}, {"ab:", "::", -1, 0, kNone}, {"ab:c\n::", "::", 0, 4, 5},
+                        {"a\r\nb", "::", 0, 1, 2},    {"ab\n", "::", 0, 2, kNone}, {"a\nb", "\n", 0, 1, 2},
+                        {"ab", "", 0, 0, 0},          {"aab", "ab", 0, 1, kNone}};
+    for (const Cut &c : cuts) {
         expect_cut(c, [&](const char *str, uint32_t *len, const char **next) {
             return qorv_str_parse_by_stok(str, Text(c.token), len, next);
         });
@@ -131,15 +116,10 @@ TEST(Strings, AreCutAtAToken) {
 }
 
 TEST(Strings, AreCutAtALineEnd) {
-    for (const Cut &c : {Cut{"", "", -1, 0, kNone},
-                         {"ab\ncd", "", 0, 2, 3},
-                         {"ab\n", "", 0, 2, kNone},
-                         {"ab\r\ncd", "", 0, 2, 4},
-                         {"ab\r\n", "", 0, 2, kNone},
-                         {"ab\rcd\n", "", -1, 0, kNone},
-                         {"ab\r", "", -1, 0, kNone},
-                         {"abcd", "", -1, 4, kNone},
-                         {"\nab", "", 0, 0, 1}}) {
+    const Cut cuts[] = {{"", "", -1, 0, kNone},     {"ab\ncd", "", 0, 2, 3},     {"ab\n", "", 0, 2, kNone},
+                        {"ab\r\ncd", "", 0, 2, 4},  {"ab\r\n", "", 0, 2, kNone}, {"ab\rcd\n", "", -1, 0, kNone},
+                        {"ab\r", "", -1, 0, kNone}, {"abcd", "", -1, 4, kNone},  {"\nab", "", 0, 0, 1}};
+    for (const Cut &c : cuts) {
         expect_cut(c, qorv_str_parse_one_line);
     }
 }
@@ -150,7 +130,7 @@ TEST(Strings, AreEscapedAndUnescaped) {
         size_t growth;
         std::string from, to;
     };
-    for (const Case &c : {Case{qorv_str_conv_a2uri, 3, "", ""},
+    const Case cases[] = {{qorv_str_conv_a2uri, 3, "", ""},
                           {qorv_str_conv_a2uri, 3, "a b", "a%20b"},
                           {qorv_str_conv_a2uri, 3, "   ", "%20%20%20"},
                           {qorv_str_conv_a2uri, 3, "a/%+?\t", "a/%+?\t"},
@@ -160,7 +140,8 @@ TEST(Strings, AreEscapedAndUnescaped) {
                           {qorv_str_conv_uri2a, 1, "%99", "\x99"},
                           {qorv_str_conv_uri2a, 1, "a%4", "a\x40"},
                           {qorv_str_conv_uri2a, 1, "%", std::string(1, '\0')},
-                          {qorv_str_conv_uri2a, 1, "%00x", std::string("\0x", 2)}}) {
+                          {qorv_str_conv_uri2a, 1, "%00x", std::string("\0x", 2)}};
+    for (const Case &c : cases) {
         GuardedBuffer dst(c.growth * c.from.size() + 1);
         EXPECT_EQ(c.convert(Text(c.from), dst.as<char>()), static_cast<int32_t>(c.to.size())) << c.from;
         EXPECT_EQ(std::string(dst.as<char>(), c.to.size() + 1), std::string(c.to.c_str(), c.to.size() + 1)) << c.from;
@@ -194,38 +175,36 @@ TEST(Uris, AreSplitWithEveryOddEnd) {
         const char *str;
         Uri uri;
     };
-    const Case cases[] = {
-        {"", {-1, {"", "", "", ""}, kNone}},
-        {" \n", {-1, {"", "", "", ""}, kNone}},
-        {"abc", {-1, {"", "", "", ""}, kNone}},
-        {"rtsp://", {-1, {"rtsp", "", "", ""}, kNone}},
-        {"rtsp://srv/x/y\n", {0, {"rtsp", "srv", "", "/x/y"}, kNone}},
-        {" \trtsp://srv/x", {0, {"rtsp", "srv", "", "/x"}, kNone}},
-        {"file:///tmp/a", {0, {"file", "", "", "/tmp/a"}, kNone}},
-        {"http://srv", {0, {"http", "srv", "", ""}, kNone}},
-        {"http://srv/", {0, {"http", "srv", "", ""}, kNone}},
-        {"http://srv//x", {0, {"http", "srv", "", "/x"}, kNone}},
-        {"http://srv:", {0, {"http", "srv:", "", ""}, kNone}},
-        {"http://srv:/x", {-1, {"http", "srv", "", ""}, kNone}},
-        {"http://srv:80", {0, {"http", "srv", "80", ""}, kNone}},
-        {"http://srv:80/", {0, {"http", "srv", "80", ""}, kNone}},
-        {"http://srv:80/x", {0, {"http", "srv", "80", ""}, kNone}},
-        {"http://srv:80/xyz\n", {0, {"http", "srv", "80", ""}, kNone}},
-        // With a port the path takes its length from the URI and its bytes from the next line.
-        {"http://srv:80/xyz\nabcdef", {0, {"http", "srv", "80", "/abc"}, 18}},
-        {"http://srv:80/xyz\r\n/bcdef", {0, {"http", "srv", "80", "/bc"}, 19}},
-        {"http://srv:80/xyz\nab", {0, {"http", "srv", "80", "/ab"}, 18}},
-        {"http://srv:80/xyz\rab", {0, {"http", "srv", "80", ""}, kNone}},
-        {"http://srv:80/\nab", {0, {"http", "srv", "80", ""}, 15}},
-        // A colon in the path, or a line end with text after it, separates a port.
-        {"http://srv/a:b/c", {0, {"http", "srv/a", "b", ""}, kNone}},
-        {"http://srv/x\nab/c\nd", {0, {"http", "srv/x", "ab", "/d"}, 18}},
-        {"http://srv/x\r\n", {-1, {"http", "srv/x", "", ""}, kNone}},
-        {"http\n//srv/x", {0, {"http", "", "", "//srv/x"}, kNone}},
-        {"http://\n", {0, {"http", "", "", "/\n"}, kNone}},
-        {"http://srv\r", {0, {"http", "srv", "", ""}, kNone}},
-        {"http://srv/x\r", {0, {"http", "srv", "", ""}, kNone}},
-    };
+    const Case cases[] = {{"", {-1, {"", "", "", ""}, kNone}},
+                          {" \n", {-1, {"", "", "", ""}, kNone}},
+                          {"abc", {-1, {"", "", "", ""}, kNone}},
+                          {"rtsp://", {-1, {"rtsp", "", "", ""}, kNone}},
+                          {"rtsp://srv/x/y\n", {0, {"rtsp", "srv", "", "/x/y"}, kNone}},
+                          {" \trtsp://srv/x", {0, {"rtsp", "srv", "", "/x"}, kNone}},
+                          {"file:///tmp/a", {0, {"file", "", "", "/tmp/a"}, kNone}},
+                          {"http://srv", {0, {"http", "srv", "", ""}, kNone}},
+                          {"http://srv/", {0, {"http", "srv", "", ""}, kNone}},
+                          {"http://srv//x", {0, {"http", "srv", "", "/x"}, kNone}},
+                          {"http://srv:", {0, {"http", "srv:", "", ""}, kNone}},
+                          {"http://srv:/x", {-1, {"http", "srv", "", ""}, kNone}},
+                          {"http://srv:80", {0, {"http", "srv", "80", ""}, kNone}},
+                          {"http://srv:80/", {0, {"http", "srv", "80", ""}, kNone}},
+                          {"http://srv:80/x", {0, {"http", "srv", "80", ""}, kNone}},
+                          {"http://srv:80/xyz\n", {0, {"http", "srv", "80", ""}, kNone}},
+                          // With a port the path takes its length from the URI and its bytes from the next line.
+                          {"http://srv:80/xyz\nabcdef", {0, {"http", "srv", "80", "/abc"}, 18}},
+                          {"http://srv:80/xyz\r\n/bcdef", {0, {"http", "srv", "80", "/bc"}, 19}},
+                          {"http://srv:80/xyz\nab", {0, {"http", "srv", "80", "/ab"}, 18}},
+                          {"http://srv:80/xyz\rab", {0, {"http", "srv", "80", ""}, kNone}},
+                          {"http://srv:80/\nab", {0, {"http", "srv", "80", ""}, 15}},
+                          // A colon in the path, or a line end with text after it, separates a port.
+                          {"http://srv/a:b/c", {0, {"http", "srv/a", "b", ""}, kNone}},
+                          {"http://srv/x\nab/c\nd", {0, {"http", "srv/x", "ab", "/d"}, 18}},
+                          {"http://srv/x\r\n", {-1, {"http", "srv/x", "", ""}, kNone}},
+                          {"http\n//srv/x", {0, {"http", "", "", "//srv/x"}, kNone}},
+                          {"http://\n", {0, {"http", "", "", "/\n"}, kNone}},
+                          {"http://srv\r", {0, {"http", "srv", "", ""}, kNone}},
+                          {"http://srv/x\r", {0, {"http", "srv", "", ""}, kNone}}};
     for (const Case &c : cases) {
         const Uri uri = split(c.str);
         EXPECT_EQ(uri.status, c.uri.status) << c.str;
