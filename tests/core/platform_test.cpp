@@ -50,8 +50,8 @@ constexpr Case kCases[] = {
 // Runs in a child that has a file system of its own over the class of network interfaces.
 int check_in_private_namespace() {
     if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return kNotPermitted;
-    if (mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) return kNotPermitted;
-    if (mount("none", "/sys/class/net", "tmpfs", 0, nullptr) != 0) return kNotPermitted;
+    if (mount("none", "/", "none", MS_REC | MS_PRIVATE, "") != 0) return kNotPermitted;
+    if (mount("none", "/sys/class/net", "tmpfs", 0, "") != 0) return kNotPermitted;
     for (const Case &c : kCases) {
         const std::string folder = "/sys/class/net/wlan" + std::to_string(c.index);
         if (mkdir(folder.c_str(), 0755) != 0) return kNotPermitted;
