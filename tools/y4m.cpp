@@ -14,6 +14,7 @@ namespace {
 
 constexpr size_t kMaxLine = 1024;     // bytes of a header or frame line
 constexpr uint32_t kMaxSide = 32768;  // pixels
+constexpr size_t kReadBytes = 1 << 24;
 constexpr const char kMagic[] = "YUV4MPEG2";
 
 int close_unless_stdin(std::FILE *file) {
@@ -44,7 +45,7 @@ Y4mReader::Y4mReader(const std::string &path)
 }
 
 void Y4mReader::fail(uint64_t offset, const std::string &reason) const {
-    throw Error(path_ + ": at byte " + std::to_string(offset) + ": " + reason);
+    throw error_at(path_, offset, reason);
 }
 
 std::string Y4mReader::read_line(const char *what) {
@@ -150,12 +151,17 @@ bool Y4mReader::next(std::vector<uint8_t> &frame) {
     if (line != "FRAME" && line.compare(0, 6, "FRAME ") != 0) {
         fail(start, "a frame header was expected for frame " + std::to_string(frames_));
     }
-    frame.resize(format_.frame_bytes);
-    const size_t got = std::fread(frame.data(), 1, frame.size(), file_.get());
-    offset_ += got;
-    if (got != frame.size()) {
-        fail(offset_, "the stream is truncated: frame " + std::to_string(frames_) + " has " + std::to_string(got) +
-                          " of " + std::to_string(frame.size()) + " bytes");
+    // Grown as the bytes come: a header may claim any size.
+    frame.clear();
+    while (frame.size() < format_.frame_bytes) {
+        const size_t had = frame.size(), wanted = std::min(kReadBytes, format_.frame_bytes - had);
+        frame.resize(had + wanted);
+        const size_t got = std::fread(frame.data() + had, 1, wanted, file_.get());
+        offset_ += got;
+        if (got != wanted) {
+            fail(offset_, "the stream is truncated: frame " + std::to_string(frames_) + " has " +
+                              std::to_string(had + got) + " of " + std::to_string(format_.frame_bytes) + " bytes");
+        }
     }
     frames_++;
     return true;
