@@ -11,6 +11,7 @@ namespace qorv {
 struct CscKernels;
 struct MemoryKernels;
 struct MetricKernels;
+struct ResizeKernels;
 
 // One table of function pointers per family, all of one instruction set.
 struct KernelSet {
@@ -18,6 +19,7 @@ struct KernelSet {
     const CscKernels *csc;
     const MemoryKernels *memory;
     const MetricKernels *metric;
+    const ResizeKernels *resize;
 };
 
 // The tables of one instruction set, and the set made of them: a constant expression of addresses, so that a set is
@@ -28,6 +30,7 @@ struct KernelSet {
     extern QORV_INTERNAL const CscKernels csc_kernels;       \
     extern QORV_INTERNAL const MemoryKernels memory_kernels; \
     extern QORV_INTERNAL const MetricKernels metric_kernels; \
+    extern QORV_INTERNAL const ResizeKernels resize_kernels; \
     }
 #define QORV_KERNEL_SET(isa)          \
     ::qorv::KernelSet {               \
@@ -35,6 +38,7 @@ struct KernelSet {
         &::qorv::isa::csc_kernels,    \
         &::qorv::isa::memory_kernels, \
         &::qorv::isa::metric_kernels, \
+        &::qorv::isa::resize_kernels, \
     }
 // clang-format on
 

@@ -139,6 +139,31 @@ template <int Bits>
 
 // ---- End of block metrics ----
 
+// ---- Bilinear sampling ----
+
+// Below, for each architecture:
+//   load_windows(p, offsets)    16 bytes at p + offsets[0], and in a second 128-bit lane those at p + offsets[1]
+//   shuffle(v, indices)         bytes of v by index, 0 to 15, within each lane
+//   shuffle(v, w, indices)      bytes of v and w by index, 0 to 31, within each lane
+//   pair_up(a, b)               eight pairs of bytes from the low bytes of the lanes, arranged as weigh_pairs() wants
+//   them weigh_pairs(v, weights)     for each of the pairs of v the sum of its two bytes times those of the weights (0
+//   to 8) join(a, b)                  32-bit lanes below 2^16 as 16-bit lanes, those of a first narrow_shifted<N>(a, b)
+//   16-bit lanes >> N, below 256, as bytes; in each 128-bit lane those of a first unpack_565, pack_565        between
+//   the two bytes of 5-6-5 words and three channels, low bits dropped and zero
+
+[[gnu::always_inline]] inline void unpack_565(U8 low, U8 high, U8 &top, U8 &middle, U8 &bottom) {
+    top = high & 0xF8;
+    middle = (high << 5) | ((low >> 3) & 0x1C);
+    bottom = low << 3;
+}
+
+[[gnu::always_inline]] inline void pack_565(U8 top, U8 middle, U8 bottom, U8 &low, U8 &high) {
+    low = ((middle << 3) & 0xE0) | (bottom >> 3);
+    high = (top & 0xF8) | (middle >> 5);
+}
+
+// ---- End of bilinear sampling ----
+
 }  // namespace qorv::QORV_ISA
 
 #include "core/simd_neon.h"

@@ -210,6 +210,42 @@ template <int Bytes, class V>
 
 // ---- End of block metrics ----
 
+// ---- Bilinear sampling ----
+
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+    return load<U8>(p + offsets[0]);
+}
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
+    return (U8)vqtbl1q_u8((uint8x16_t)v, (uint8x16_t)indices);
+}
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
+    return (U8)vqtbl2q_u8(uint8x16x2_t{{(uint8x16_t)v, (uint8x16_t)w}}, (uint8x16_t)indices);
+}
+
+// The first bytes of the pairs in the lower half, the second ones in the upper: two widening multiplications then weigh
+// them.
+[[gnu::always_inline]] inline U8 pair_up(U16 a, U16 b) {
+    return (U8)vmovn_high_u16(vmovn_u16((uint16x8_t)a), (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
+    const uint16x8_t first = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8((uint8x16_t)weights));
+    return (U16)vmlal_high_u8(first, (uint8x16_t)v, (uint8x16_t)weights);
+}
+
+[[gnu::always_inline]] inline U16 join(U32 a, U32 b) {
+    return (U16)vmovn_high_u32(vmovn_u32((uint32x4_t)a), (uint32x4_t)b);
+}
+
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
+    return (U8)vshrn_high_n_u16(vshrn_n_u16((uint16x8_t)a, N), (uint16x8_t)b, N);
+}
+
+// ---- End of bilinear sampling ----
+
 }  // namespace qorv::QORV_ISA
 
 #endif

@@ -201,6 +201,41 @@ template <class V>
 
 // ---- End of block metrics ----
 
+// ---- Bilinear sampling ----
+
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+    return load<U8>(p + offsets[0]);
+}
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
+    return each_lane<U8>([&](int i) { return v[indices[i]]; });
+}
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
+    return each_lane<U8>([&](int i) { return indices[i] < 16 ? v[indices[i]] : w[indices[i] - 16]; });
+}
+
+[[gnu::always_inline]] inline U8 pair_up(U16 a, U16 b) {
+    return each_lane<U8>([&](int i) { return i % 2 == 0 ? a[i / 2] : b[i / 2]; });
+}
+
+[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
+    return each_lane<U16>([&](int i) { return v[2 * i] * weights[2 * i] + v[2 * i + 1] * weights[2 * i + 1]; });
+}
+
+[[gnu::always_inline]] inline U16 join(U32 a, U32 b) {
+    constexpr int kHalf = kVectorBytes / 4;
+    return each_lane<U16>([&](int i) { return i < kHalf ? a[i] : b[i - kHalf]; });
+}
+
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
+    constexpr int kHalf = kVectorBytes / 2;
+    return each_lane<U8>([&](int i) { return (i < kHalf ? a[i] : b[i - kHalf]) >> N; });
+}
+
+// ---- End of bilinear sampling ----
+
 }  // namespace qorv::QORV_ISA
 
 #endif

@@ -351,7 +351,8 @@ template <int W, int Bytes>
         if constexpr (W == 16) {
             rows = every_lane((__m128i)load<Vec<uint8_t, 16>>(p));
         } else {
-            rows = _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(p)), _mm256_set1_epi64x(load<int64_t>(p + stride)), 0xCC);
+            rows = _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(p)),
+                                      _mm256_set1_epi64x(load<int64_t>(p + stride)), 0xCC);
         }
         return (Vec<uint16_t, 32>)_mm256_maddubs_epi16(rows, _mm256_setr_m128i(sums, differences));
     } else
@@ -435,6 +436,46 @@ template <class V>
 #endif
 
 // ---- End of block metrics ----
+
+// ---- Bilinear sampling ----
+
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[0]));
+#if defined(QORV_ISA_IS_v3)
+    const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[1]));
+    return (U8)_mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
+#else
+    return (U8)first;
+#endif
+}
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
+    return (U8)QORV_MM(shuffle_epi8)((Register)v, (Register)indices);
+}
+
+// An index with its highest bit set selects 0.
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
+    return shuffle(v, (U8)QORV_MM(adds_epu8)((Register)indices, QORV_MM(set1_epi8)(0x70))) | shuffle(w, indices - 16);
+}
+
+[[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint8_t, 16>)(a | (b << 8));
+}
+
+[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
+    return (U16)QORV_MM(maddubs_epi16)((Register)v, (Register)weights);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> join(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_packus_epi32((__m128i)a, (__m128i)b);
+}
+
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
+    return (U8)QORV_MM(packus_epi16)((Register)(a >> N), (Register)(b >> N));
+}
+
+// ---- End of bilinear sampling ----
 
 }  // namespace qorv::QORV_ISA
 

@@ -1194,7 +1194,315 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
 /** @} */
 
 /** @defgroup irsz Resizer
+ *  Bilinear resizing of packed pictures on a grid of eighths of a pixel.
+ *
+ *  Steps, for each direction with source size S and destination size D: ratio r = min(S / D, 31); of the source only
+ *  every 2^s-th sample is looked at, s being the smallest shift with r <= 2 * 2^s, at most 4 (so large reductions skip
+ *  samples on purpose); step = (((S - 1) >> s) << 18) / D with 18 fraction bits, 0 when D is 0. The last destination
+ *  sample falls short of the last source sample, so neighbours always exist, and equal sizes are not a copy.
+ *
+ *  Destination row j, column i: with y = j * step_y the source row is (y >> 18) << shift_y and fy = (y >> 15) & 7;
+ *  columns likewise with fx. The four samples A B / C D are that one, its neighbour 2^shift_x pixels to the right, and
+ *  the same two 2^shift_y rows below. The result is (w0 A + w1 B + w2 C + w3 D) >> 6, truncated, for each channel, with
+ *  the weights of entry fx * 8 + fy of #qorv_irsz_tbl_rsz_weight. A neighbour of weight 0 is not read where it need not
+ *  exist: a source may be one pixel wide or high.
+ *
+ *  Sides up to 32768 samples are right. Source and destination must not overlap. The kernels take no memory from the heap
+ *  and at most 32 KiB of stack.
+ *
+ *  | format | pixels                                   | pitches of the record and of _full |
+ *  |--------|------------------------------------------|------------------------------------|
+ *  | 20     | one 8-bit sample                         | bytes                              |
+ *  | 21     | three 8-bit samples                      | bytes                              |
+ *  | 23     | three 8-bit samples to one 5-6-5 word    | bytes                              |
+ *  | 25     | one 5-6-5 word                           | 16-bit words                       |
+ *  | 29     | four 8-bit samples                       | bytes                              |
  *  @{ */
+
+/**
+ * Weights of the four neighbours by entry fx * 8 + fy, fx and fy being 0 to 7 eighths:
+ * ((8 - fx)(8 - fy), fx (8 - fy), (8 - fx) fy, fx fy) for top left, top right, bottom left, bottom right. They sum to 64.
+ */
+extern QORV_API const uint8_t qorv_tbl_bilinear_rszw[64][4];
+
+/** The same table; its entry fy is what the _line functions take as weights. */
+extern QORV_API const uint8_t qorv_irsz_tbl_rsz_weight[64][4];
+
+/** What qorv_irsz_create() is told. */
+typedef struct QORV_IRSZ_PARAM {
+    int32_t format;     /**< 20, 21, 23, 25 or 29, see the table of the group. */
+    int32_t mode;       /**< 10: whole pictures; 11: one picture in bands of rows. */
+    int32_t src_w;      /**< Source width in pixels. */
+    int32_t src_h;      /**< Source height in rows. */
+    int32_t src_stride; /**< Pixels from one source row to the next. */
+    int32_t band_h;     /**< Band mode: rows of a band, at least 1. */
+    int32_t dst_w;      /**< Destination width in pixels. */
+    int32_t dst_h;      /**< Destination height in rows. */
+    int32_t dst_stride; /**< Pixels from one destination row to the next. */
+    void *dst;          /**< First destination row. */
+} QORV_IRSZ_PARAM;
+
+typedef struct QORV_IRSZ QORV_IRSZ;
+
+/** A resizer. Made by qorv_irsz_create(); its user reads, but does not change it. */
+struct QORV_IRSZ {
+    int32_t format;      /**< From the parameters. */
+    int32_t mode;        /**< From the parameters. */
+    uint32_t step_x;     /**< Decimated source pixels from column to column, 18 fraction bits. */
+    uint32_t step_y;     /**< Decimated source rows from row to row, 18 fraction bits. */
+    uint32_t pos_y;      /**< Band mode: position of destination row dst_row, modulo 2^32. */
+    int32_t pel_step;    /**< Pixels to the right neighbour, 1 << shift_x. */
+    int32_t src_pitch;   /**< Size of a source row in the format's unit. */
+    int32_t dst_w;       /**< Destination width in pixels. */
+    int32_t dst_h;       /**< Destination height in rows. */
+    int32_t dst_pitch;   /**< Size of a destination row in the format's unit. */
+    int32_t shift_x;     /**< Decimation shift of columns, 0 to 4. */
+    int32_t shift_y;     /**< Decimation shift of rows, 0 to 4. */
+    int32_t row_step;    /**< From a row to its lower neighbour, src_pitch << shift_y. */
+    int32_t saved_off;   /**< Band mode: while row_cached is 1, where the lower row will lie from the start of the next
+                              band, in the unit of src_pitch. */
+    int32_t row_cached;  /**< Band mode: 1 while line_buf holds the upper row of the pending pair. */
+    int32_t band_bytes;  /**< band_h * src_pitch. */
+    int32_t dst_row;     /**< Band mode: the next destination row to produce. */
+    int32_t upscale;     /**< 1 when the destination is wider or higher than the source. */
+    int32_t band_flag;   /**< Band mode: 1 when the pending pair of rows needs a row of a band to come. */
+    int32_t (*fn_rsz)(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row,
+                      uint32_t band_h); /**< The format's kernel. */
+    uint8_t *line_buf;   /**< Band mode: one source row; null otherwise. */
+    void *dst;           /**< From the parameters. */
+};
+
+/**
+ * Creates a resizer. Sizes are not checked; a destination size of 0 gives a resizer that writes nothing.
+ * @param param   what to do; only read.
+ * @param status  null, or receives #QORV_OK, #QORV_ERR_IRSZ_NOMEM, #QORV_ERR_IRSZ_MODE or #QORV_ERR_UNSUPPORTED_FMT.
+ * @return the resizer, or null with nothing leaked. Freed with qorv_irsz_delete().
+ */
+QORV_API QORV_IRSZ *qorv_irsz_create(const QORV_IRSZ_PARAM *param, int32_t *status);
+
+/**
+ * Resizes a picture, or takes the next band of one.
+ *
+ * Band mode: the bands of a picture are given in order, from its first row to its last, without gaps; their memory need
+ * not outlive the call. Every destination row whose source rows have come is written, each once; together they are what
+ * picture mode writes. Any band height works, also one that changes from call to call. A resizer in band mode serves one
+ * picture.
+ * @param rsz        the resizer.
+ * @param src        first row of the picture or of the band.
+ * @param first_row  band mode: number of that row in the picture; otherwise not used.
+ * @param band_h     band mode: rows in the band (the last band may say more than the picture has, they are not read);
+ *                   otherwise not used.
+ * @return #QORV_OK.
+ */
+QORV_API int32_t qorv_irsz(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+
+/**
+ * Frees a resizer.
+ * @param rsz  the resizer; null is ignored.
+ */
+QORV_API void qorv_irsz_delete(QORV_IRSZ *rsz);
+
+/**
+ * Computes the steps that the _full functions take: (step << 3) | shift for each direction.
+ * @param src_w   source width.
+ * @param src_h   source height.
+ * @param dst_w   destination width; 0 gives a step of 0.
+ * @param dst_h   destination height; 0 gives a step of 0.
+ * @param step_x  receives the packed step of columns.
+ * @param step_y  receives the packed step of rows.
+ */
+QORV_API void bilinear_rsz_step_size(int32_t src_w, int32_t src_h, int32_t dst_w, int32_t dst_h, uint32_t *step_x,
+                                     uint32_t *step_y);
+
+/**
+ * The kernel of a resizer of format 20: one 8-bit sample a pixel; qorv_irsz() calls it.
+ * @param rsz        the resizer.
+ * @param src        as for qorv_irsz().
+ * @param first_row  as for qorv_irsz().
+ * @param band_h     as for qorv_irsz().
+ * @return #QORV_OK.
+ */
+QORV_API int32_t qorv_irsz8b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+
+/**
+ * Resizes a whole picture as qorv_irsz8b() does, without a resizer.
+ * @param src        first source row.
+ * @param src_pitch  bytes from one source row to the next.
+ * @param dst_w      destination width in pixels; below 1 nothing is written.
+ * @param dst_h      destination height in rows; below 1 nothing is written.
+ * @param dst_pitch  bytes from one destination row to the next.
+ * @param dst        first destination row.
+ * @param step_x     packed step of bilinear_rsz_step_size().
+ * @param step_y     packed step of bilinear_rsz_step_size().
+ */
+QORV_API void qorv_irsz8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
+                          uint8_t *dst, int32_t step_x, int32_t step_y);
+
+/**
+ * Makes one destination row of qorv_irsz8b().
+ * @param rows      upper and lower source row. The lower one is not read when fy is 0.
+ * @param weights   entry fy of #qorv_irsz_tbl_rsz_weight.
+ * @param dst_w     destination width in pixels; below 1 nothing is written.
+ * @param shift_x   decimation shift of columns.
+ * @param pel_step  pixels to the right neighbour, 1 << shift_x.
+ * @param step_x    step of columns, not packed.
+ * @param dst       destination row.
+ */
+QORV_API void qorv_irsz8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
+                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+
+/**
+ * The kernel of a resizer of format 21: three 8-bit samples a pixel; qorv_irsz() calls it.
+ * @param rsz        the resizer.
+ * @param src        as for qorv_irsz().
+ * @param first_row  as for qorv_irsz().
+ * @param band_h     as for qorv_irsz().
+ * @return #QORV_OK.
+ */
+QORV_API int32_t qorv_irsz8b8b8b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+
+/**
+ * Resizes a whole picture as qorv_irsz8b8b8b() does, without a resizer.
+ * @param src        first source row.
+ * @param src_pitch  bytes from one source row to the next.
+ * @param dst_w      destination width in pixels; below 1 nothing is written.
+ * @param dst_h      destination height in rows; below 1 nothing is written.
+ * @param dst_pitch  bytes from one destination row to the next.
+ * @param dst        first destination row.
+ * @param step_x     packed step of bilinear_rsz_step_size().
+ * @param step_y     packed step of bilinear_rsz_step_size().
+ */
+QORV_API void qorv_irsz8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
+                          uint8_t *dst, int32_t step_x, int32_t step_y);
+
+/**
+ * Makes one destination row of qorv_irsz8b8b8b().
+ * @param rows      upper and lower source row. The lower one is not read when fy is 0.
+ * @param weights   entry fy of #qorv_irsz_tbl_rsz_weight.
+ * @param dst_w     destination width in pixels; below 1 nothing is written.
+ * @param shift_x   decimation shift of columns.
+ * @param pel_step  pixels to the right neighbour, 1 << shift_x.
+ * @param step_x    step of columns, not packed.
+ * @param dst       destination row.
+ */
+QORV_API void qorv_irsz8b8b8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
+                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+
+/**
+ * The kernel of a resizer of format 23: three 8-bit samples to a 5-6-5 word; qorv_irsz() calls it.
+ * The first sample goes to bits 15..11, the second to 10..5, the third to 4..0, each sum
+ * losing its low bits: S0 >> 9, S1 >> 8, S2 >> 9 of sums that are at most 16320. Words are stored low byte first.
+ * @param rsz        the resizer.
+ * @param src        as for qorv_irsz().
+ * @param first_row  as for qorv_irsz().
+ * @param band_h     as for qorv_irsz().
+ * @return #QORV_OK.
+ */
+QORV_API int32_t qorv_irsz8b8b8b_5b6b5b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+
+/**
+ * Resizes a whole picture as qorv_irsz8b8b8b_5b6b5b() does, without a resizer.
+ * @param src        first source row.
+ * @param src_pitch  bytes from one source row to the next.
+ * @param dst_w      destination width in pixels; below 1 nothing is written.
+ * @param dst_h      destination height in rows; below 1 nothing is written.
+ * @param dst_pitch  bytes from one destination row to the next.
+ * @param dst        first destination row.
+ * @param step_x     packed step of bilinear_rsz_step_size().
+ * @param step_y     packed step of bilinear_rsz_step_size().
+ */
+QORV_API void qorv_irsz8b8b8b_5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
+                          uint8_t *dst, int32_t step_x, int32_t step_y);
+
+/**
+ * Makes one destination row of qorv_irsz8b8b8b_5b6b5b().
+ * @param rows      upper and lower source row. The lower one is not read when fy is 0.
+ * @param weights   entry fy of #qorv_irsz_tbl_rsz_weight.
+ * @param dst_w     destination width in pixels; below 1 nothing is written.
+ * @param shift_x   decimation shift of columns.
+ * @param pel_step  pixels to the right neighbour, 1 << shift_x.
+ * @param step_x    step of columns, not packed.
+ * @param dst       destination row.
+ */
+QORV_API void qorv_irsz8b8b8b_5b6b5b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
+                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+
+/**
+ * The kernel of a resizer of format 25: 5-6-5 words; qorv_irsz() calls it.
+ * Fields are widened with zero low bits, sampled, and packed by dropping the low bits. Words are
+ * stored low byte first and need no alignment.
+ * @param rsz        the resizer.
+ * @param src        as for qorv_irsz().
+ * @param first_row  as for qorv_irsz().
+ * @param band_h     as for qorv_irsz().
+ * @return #QORV_OK.
+ */
+QORV_API int32_t qorv_irsz5b6b5b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+
+/**
+ * Resizes a whole picture as qorv_irsz5b6b5b() does, without a resizer.
+ * @param src        first source row.
+ * @param src_pitch  16-bit words from one source row to the next.
+ * @param dst_w      destination width in pixels; below 1 nothing is written.
+ * @param dst_h      destination height in rows; below 1 nothing is written.
+ * @param dst_pitch  16-bit words from one destination row to the next.
+ * @param dst        first destination row.
+ * @param step_x     packed step of bilinear_rsz_step_size().
+ * @param step_y     packed step of bilinear_rsz_step_size().
+ */
+QORV_API void qorv_irsz5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
+                          uint8_t *dst, int32_t step_x, int32_t step_y);
+
+/**
+ * Makes one destination row of qorv_irsz5b6b5b().
+ * @param rows      upper and lower source row. The lower one is not read when fy is 0.
+ * @param weights   entry fy of #qorv_irsz_tbl_rsz_weight.
+ * @param dst_w     destination width in pixels; below 1 nothing is written.
+ * @param shift_x   decimation shift of columns.
+ * @param pel_step  pixels to the right neighbour, 1 << shift_x.
+ * @param step_x    step of columns, not packed.
+ * @param dst       destination row.
+ */
+QORV_API void qorv_irsz5b6b5b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
+                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+
+/**
+ * The kernel of a resizer of format 29: four 8-bit samples a pixel; qorv_irsz() calls it.
+ * All four channels are sampled alike.
+ * @param rsz        the resizer.
+ * @param src        as for qorv_irsz().
+ * @param first_row  as for qorv_irsz().
+ * @param band_h     as for qorv_irsz().
+ * @return #QORV_OK.
+ */
+QORV_API int32_t qorv_irsz8b8b8b8b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+
+/**
+ * Resizes a whole picture as qorv_irsz8b8b8b8b() does, without a resizer.
+ * @param src        first source row.
+ * @param src_pitch  bytes from one source row to the next.
+ * @param dst_w      destination width in pixels; below 1 nothing is written.
+ * @param dst_h      destination height in rows; below 1 nothing is written.
+ * @param dst_pitch  bytes from one destination row to the next.
+ * @param dst        first destination row.
+ * @param step_x     packed step of bilinear_rsz_step_size().
+ * @param step_y     packed step of bilinear_rsz_step_size().
+ */
+QORV_API void qorv_irsz8b8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
+                          uint8_t *dst, int32_t step_x, int32_t step_y);
+
+/**
+ * Makes one destination row of qorv_irsz8b8b8b8b().
+ * @param rows      upper and lower source row. The lower one is not read when fy is 0.
+ * @param weights   entry fy of #qorv_irsz_tbl_rsz_weight.
+ * @param dst_w     destination width in pixels; below 1 nothing is written.
+ * @param shift_x   decimation shift of columns.
+ * @param pel_step  pixels to the right neighbour, 1 << shift_x.
+ * @param step_x    step of columns, not packed.
+ * @param dst       destination row.
+ */
+QORV_API void qorv_irsz8b8b8b8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
+                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
 
 /** @} */
 

@@ -1,0 +1,77 @@
+#include "resize/resize_kernels.h"
+
+#include "core/isa.h"
+#include "resize/sampler.h"
+
+namespace qorv::QORV_ISA {
+
+namespace {
+
+// The outputs are the destination's bytes.
+template <int Slots>
+struct StoreBytes {
+    static constexpr int kPixelBytes = Slots;
+
+    template <class Sampler>
+    static void row(const Sampler &sampler, int columns, uint8_t *dst) {
+        const int bytes = columns * Slots, whole = bytes / kUnit * kUnit;
+        sampler.write(0, whole, dst);
+        if (whole < bytes) {
+            uint8_t last[kUnit];
+            sampler.write(whole, whole + kUnit, last);
+            memcpy(dst + whole, last, static_cast<size_t>(bytes - whole));
+        }
+    }
+};
+
+// Four outputs, the last of no meaning, become one 5-6-5 word.
+struct Store565 {
+    static constexpr int kPixelBytes = 2;
+
+    template <class Sampler>
+    static void row(const Sampler &sampler, int columns, uint8_t *dst) {
+        uint8_t outputs[4 * kStripColumns];
+        sampler.write(0, (4 * columns + kUnit - 1) / kUnit * kUnit, outputs);
+        int x = 0;
+        for (; x + kVectorBytes <= columns; x += kVectorBytes) pack(outputs + 4 * x, dst + 2 * x);
+        if (x < columns) {
+            uint8_t last[2 * kVectorBytes];
+            pack(outputs + 4 * x, last);
+            memcpy(dst + 2 * x, last, static_cast<size_t>(2 * (columns - x)));
+        }
+    }
+
+    [[gnu::always_inline]] static void pack(const uint8_t *pixels, uint8_t *words) {
+        U8 top, middle, bottom, unused, low, high;
+        load_interleaved4(pixels, top, middle, bottom, unused);
+        pack_565(top, middle, bottom, low, high);
+        store_interleaved2(words, low, high);
+    }
+};
+
+template <class Pixel, int Slots, class Store>
+void resize(const ResizeJob &job) {
+    for (int32_t x = 0; x < job.grid.w; x += kStripColumns) {
+        const int32_t columns = job.grid.w - x < kStripColumns ? job.grid.w - x : kStripColumns;
+        const Columns<Pixel, Slots> strip(job.grid, x, columns);
+        Sampler<Pixel, Slots> sampler(strip, job.rows, job.grid.y);
+        uint8_t *dst = job.dst + ptrdiff_t{x} * Store::kPixelBytes;
+        int64_t y = job.grid.first_y;
+        for (int32_t row = 0; row < job.grid.h; row++, y += job.grid.y.step, dst += job.dst_stride) {
+            sampler.seek(y);
+            Store::row(sampler, columns, dst);
+        }
+    }
+}
+
+}  // namespace
+
+constinit const ResizeKernels resize_kernels = {
+    .gray = resize<Bytes<1>, 1, StoreBytes<1>>,
+    .rgb = resize<Bytes<3>, 3, StoreBytes<3>>,
+    .rgb_to_565 = resize<Bytes<3>, 4, Store565>,
+    .rgb565 = resize<Words565, 4, Store565>,
+    .rgba = resize<Bytes<4>, 4, StoreBytes<4>>,
+};
+
+}  // namespace qorv::QORV_ISA

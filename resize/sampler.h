@@ -1,0 +1,335 @@
+// Bilinear sampling. Kernel sources only.
+//
+// With fx and fy the eighths of a position, a sample is the sum of its four neighbours A B / C D
+//   ((8 - fy) [(8 - fx) A + fx B] + fy [(8 - fx) C + fx D]) >> 6,
+// exact in 16 bits as it stands: a bracket is at most 2040, the whole at most 16320.
+//
+// The destination is worked on in strips of columns. For a strip, Columns turns positions once into windows of 16
+// source bytes, shuffle indices and weights for every group of eight outputs (an output is one byte of one pixel). For
+// each row a shuffle then brings every output's two neighbours side by side and a multiply-add makes the bracket.
+#pragma once
+
+#include "core/simd.h"
+#include "resize/resize_kernels.h"
+
+namespace qorv::QORV_ISA {
+
+constexpr int kGroup = 8;                              // outputs of a 128-bit lane
+constexpr int kUnit = kVectorBytes;                    // outputs of a vector of bytes: the least that is produced
+constexpr int kWindow = 16;                            // bytes
+constexpr int64_t kOne = int64_t{1} << kPositionBits;  // one (decimated) pixel
+constexpr int64_t kMaxStep = 3 * kOne;                 // longer steps pick single pixels
+constexpr int kMaxPixels = 3 * kStripColumns + 2;      // under a strip, neighbour of the last included
+
+// Pixels as they lie in memory and as they are sampled.
+template <int N>
+struct Bytes {
+    static constexpr int kMemory = N, kSampled = N;
+};
+struct Words565 {
+    static constexpr int kMemory = 2, kSampled = 4;
+};
+
+// Two vectors of sums narrow to one of bytes lane by lane. So that the bytes come out in order, the groups of four are
+// kept in the order 0, 2, 1, 3 where a vector has two lanes.
+[[gnu::always_inline]] inline int slot_of(int group) {
+    return kVectorBytes == 32 ? (group & ~3) | ((group & 1) << 1) | ((group >> 1) & 1) : group;
+}
+
+enum class Fetch {
+    kDirect,   // windows on the source row itself
+    kCompact,  // the pixels under the strip are brought together first
+    kPick,     // the two neighbours of every column are brought together first
+};
+
+// The columns of one strip: for pixels of `Pixel` sampled into `Slots` bytes each, where every output comes from. Slots
+// beyond the pixel's own bytes repeat its last.
+template <class Pixel, int Slots>
+struct Columns {
+    static constexpr int kMaxOutputs = kStripColumns * Slots;
+
+    int count;    // columns
+    int outputs;  // whole units
+    Fetch fetch;
+    bool wide;            // the outputs of a group come from two windows side by side
+    int64_t first_pixel;  // under the strip, in decimated pixels
+    int pixels;           // under the strip, in decimated pixels
+    int shift;
+    int64_t neighbour;  // source pixels from one to the next
+    uint32_t fraction;  // of the position of the first column
+    int64_t step;       // of the position from column to column
+    ptrdiff_t origin;   // byte from which windows that lie on a source row count
+
+    uint16_t offsets[kMaxOutputs / kGroup];  // of the windows, by slot
+    alignas(kVectorBytes) uint8_t indices[2 * kMaxOutputs];
+    alignas(kVectorBytes) uint8_t weights[2 * kMaxOutputs];
+
+    Columns(const Grid &grid, int32_t first, int32_t columns) : count(columns), shift(grid.x.shift) {
+        const int64_t x_step = grid.x.step, begin = first * x_step, end = (first + count - 1) * x_step;
+        outputs = (count * Slots + kUnit - 1) / kUnit * kUnit;
+        first_pixel = begin >> kPositionBits;
+        fraction = static_cast<uint32_t>(begin & (kOne - 1));
+        step = x_step;
+        // Behind a step of 0 is a source of one pixel: its right neighbour, of weight 0, does not exist.
+        neighbour = x_step == 0 ? 0 : grid.neighbour;
+        const bool pick = x_step > kMaxStep || span(x_step) > 2 * kWindow || (x_step != 0 && neighbour != 1 << shift);
+        wide = span(pick ? 2 * kOne : x_step) > kWindow;
+        const int64_t last = ((grid.w - 1) * x_step >> kPositionBits << shift) + neighbour;
+        if (pick) {
+            fetch = Fetch::kPick;
+            pixels = 2 * count;
+            set_groups(0, 0xFFFF);
+        } else {
+            fetch = Fetch::kCompact;
+            pixels = static_cast<int>((end >> kPositionBits) - first_pixel) + (x_step != 0 ? 2 : 1);
+            lay_windows(static_cast<ptrdiff_t>(last + 1) * Pixel::kMemory);
+        }
+    }
+
+private:
+    static constexpr int kBytes = Pixel::kSampled;
+    static constexpr int kPixelsBetween = Slots == 1 ? 7 : Slots == 3 ? 3 : 1;  // first to last pixel of a group
+
+    // The most bytes that the outputs of a group reach over.
+    static int64_t span(int64_t pixel_step) { return ((kPixelsBetween * pixel_step + kOne - 1) / kOne + 2) * kBytes; }
+
+    // `row_bytes` are all that may be read of a source row: windows that would pass them are pulled back.
+    void lay_windows(ptrdiff_t row_bytes) {
+        const ptrdiff_t last_window = row_bytes - (wide ? 2 * kWindow : kWindow);
+        const ptrdiff_t start = static_cast<ptrdiff_t>(first_pixel) * kBytes;
+        if (Pixel::kMemory != kBytes || shift != 0 || last_window < 0) {
+            set_groups(0, 0xFFFF);
+            return;
+        }
+        fetch = Fetch::kDirect;
+        origin = start < last_window ? start : last_window;
+        set_groups(static_cast<int>(start - origin),
+                   static_cast<int>(last_window - origin < 0xFFFF ? last_window - origin : 0xFFFF));
+    }
+
+    // Byte and column of each output of eight columns.
+    struct Pattern {
+        uint16_t byte[Slots][kGroup];
+        uint32_t column[Slots][kGroup];
+    };
+    static constexpr Pattern kPattern = [] {
+        Pattern pattern{};
+        for (int i = 0; i < Slots * kGroup; i++) {
+            pattern.byte[i / kGroup][i % kGroup] = static_cast<uint16_t>(i % Slots < kBytes ? i % Slots : kBytes - 1);
+            pattern.column[i / kGroup][i % kGroup] = static_cast<uint32_t>(i / Slots);
+        }
+        return pattern;
+    }();
+
+    // `lead` bytes lie before the first pixel.
+    void set_groups(int lead, int last_window) {
+        using U16x8 = Vec<uint16_t, 16>;
+        using U32x4 = Vec<uint32_t, 16>;
+        const uint32_t wrapped_step = static_cast<uint32_t>(step);
+        const U32x4 last_column = splat<U32x4>(static_cast<uint32_t>(count - 1));
+        for (int group = 0; group * kGroup < outputs; group++) {
+            const int phase = group % Slots;
+            const uint32_t block = static_cast<uint32_t>(group / Slots * kGroup);
+            U32x4 a = load<U32x4>(kPattern.column[phase]) + block, b = load<U32x4>(kPattern.column[phase] + 4) + block;
+            a = a < last_column ? a : last_column;
+            b = b < last_column ? b : last_column;
+            // At most 3 x 256 pixels of eight eighths; of a picked column the fraction alone counts.
+            const U16x8 eighths = join((fraction + a * wrapped_step) >> kEighthBits & 0x1FFF,
+                                       (fraction + b * wrapped_step) >> kEighthBits & 0x1FFF);
+            const U16x8 pixel = fetch == Fetch::kPick ? join(2 * a, 2 * b) : eighths >> 3;
+            const int start = lead + pixel[0] * kBytes, window = start < last_window ? start : last_window;
+            const U16x8 left = pixel * static_cast<uint16_t>(kBytes) + load<U16x8>(kPattern.byte[phase]) +
+                               static_cast<uint16_t>(lead - window);
+            const int slot = slot_of(group);
+            offsets[slot] = static_cast<uint16_t>(window);
+            store(indices + slot * 2 * kGroup, pair_up(left, left + static_cast<uint16_t>(kBytes)));
+            store(weights + slot * 2 * kGroup, pair_up(8 - (eighths & 7), eighths & 7));
+        }
+    }
+};
+
+template <int N>
+[[gnu::always_inline]] inline void copy_spaced(uint8_t *to, const uint8_t *from, int count, int shift) {
+    if (shift == 0) {
+        memcpy(to, from, static_cast<size_t>(count) * N);
+        return;
+    }
+    for (int i = 0; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
+}
+
+// 5-6-5 words to four bytes a pixel, the last of no meaning. Both buffers reach to the next whole vector.
+[[gnu::noinline]] inline void widen_565(const uint8_t *words, int count, uint8_t *to) {
+    for (int i = 0; i < count; i += kVectorBytes) {
+        U8 low, high, top, middle, bottom;
+        load_interleaved2(words + 2 * i, low, high);
+        unpack_565(low, high, top, middle, bottom);
+        store_interleaved4(to + 4 * i, top, middle, bottom, bottom);
+    }
+}
+
+// Brings the pixels under a strip together as they lie in memory.
+template <int N, class Strip>
+[[gnu::noinline]] void collect(const Strip &strip, const uint8_t *row, uint8_t *to) {
+    if (strip.fetch == Fetch::kCompact) {
+        copy_spaced<N>(to, row + (strip.first_pixel << strip.shift) * N, strip.pixels, strip.shift);
+        return;
+    }
+    const uint8_t *first = row + (strip.first_pixel << strip.shift) * N;
+    int64_t x = strip.fraction;
+    for (int i = 0; i < strip.count; i++, to += 2 * N, x += strip.step) {
+        const uint8_t *left = first + (x >> kPositionBits << strip.shift) * N;
+        memcpy(to, left, N);
+        memcpy(to + N, left + strip.neighbour * N, N);
+    }
+}
+
+// Two rows by their numbers; the rows of a picture are asked for in ascending order.
+template <class T, int N>
+struct RowPair {
+    int64_t number[2] = {-1, -1};
+    alignas(kVectorBytes) T row[2][N];
+
+    // The place of a row; `present` says whether it is there already. The row that it takes the place of is the upper.
+    T *place(int64_t wanted, bool &present) {
+        for (int i = 0; i < 2; i++) {
+            if (number[i] == wanted) {
+                present = true;
+                return row[i];
+            }
+        }
+        const int i = number[0] < number[1] ? 0 : 1;
+        number[i] = wanted;
+        present = false;
+        return row[i];
+    }
+};
+
+// Samples the rows of one plane, or of a packed picture, under one strip.
+template <class Pixel, int Slots>
+class Sampler {
+public:
+    using Strip = Columns<Pixel, Slots>;
+
+    Sampler(const Strip &strip, const SourceRows &rows, const Axis &y)
+        : strip_(strip), rows_(rows), shift_(y.shift), keep_(y.step < kOne) {}
+
+    // Moves to the pair of rows at a position.
+    void seek(int64_t y) {
+        const int64_t upper = y >> kPositionBits << shift_;
+        lower_weight_ = static_cast<uint16_t>(y >> kEighthBits & 7);
+        // A row of weight 0 may not exist.
+        const int64_t lower = lower_weight_ == 0 ? upper : upper + (1 << shift_);
+        if (keep_) {
+            upper_sums_ = sums(upper);
+            lower_sums_ = sums(lower);
+        } else {
+            upper_ = bytes(upper);
+            lower_ = bytes(lower);
+        }
+    }
+
+    // The outputs from..to of that pair of rows; both are multiples of kUnit.
+    void write(int from, int to, uint8_t *out) const {
+        if (keep_) {
+            blend(from, to, out);
+        } else if (strip_.wide) {
+            sample<true>(from, to, out);
+        } else {
+            sample<false>(from, to, out);
+        }
+    }
+
+private:
+    static constexpr int kBufferBytes = (kMaxPixels + kVectorBytes) * Pixel::kSampled;
+
+    const uint8_t *row_start(int64_t row) const {
+        return row == rows_.held ? rows_.held_row : rows_.base + (row - rows_.first) * rows_.stride;
+    }
+
+    // What the windows of the strip count from in a row.
+    const uint8_t *bytes(int64_t row) {
+        if (strip_.fetch == Fetch::kDirect) return row_start(row) + strip_.origin;
+        bool present;
+        uint8_t *buffer = collected_.place(row, present);
+        if (!present) {
+            if constexpr (Pixel::kMemory == Pixel::kSampled) {
+                collect<Pixel::kMemory>(strip_, row_start(row), buffer);
+            } else {
+                uint8_t words[kBufferBytes / 2];
+                collect<2>(strip_, row_start(row), words);
+                widen_565(words, strip_.pixels, buffer);
+            }
+        }
+        return buffer;
+    }
+
+    // A row sampled across, by slot.
+    const uint16_t *sums(int64_t row) {
+        bool present;
+        uint16_t *buffer = kept_.place(row, present);
+        if (!present) {
+            const uint8_t *source = bytes(row);
+            if (strip_.wide) {
+                sample_across<true>(source, buffer);
+            } else {
+                sample_across<false>(source, buffer);
+            }
+        }
+        return buffer;
+    }
+
+    // The brackets of the vector of groups that begins with slot `slot`.
+    template <bool Wide>
+    [[gnu::always_inline]] U16 across(const uint8_t *row, int slot) const {
+        const U8 indices = load<U8>(strip_.indices + slot * 2 * kGroup);
+        const U8 weights = load<U8>(strip_.weights + slot * 2 * kGroup);
+        const U8 window = load_windows(row, strip_.offsets + slot);
+        if constexpr (Wide) {
+            return weigh_pairs(shuffle(window, load_windows(row + kWindow, strip_.offsets + slot), indices), weights);
+        } else {
+            return weigh_pairs(shuffle(window, indices), weights);
+        }
+    }
+
+    template <bool Wide>
+    void sample_across(const uint8_t *row, uint16_t *out) const {
+        constexpr int kLanes = kVectorBytes / 16;
+        for (int slot = 0; slot * kGroup < strip_.outputs; slot += kLanes) {
+            store(out + slot * kGroup, across<Wide>(row, slot));
+        }
+    }
+
+    template <bool Wide>
+    void sample(int from, int to, uint8_t *out) const {
+        constexpr int kLanes = kVectorBytes / 16;
+        const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
+        for (int i = from; i < to; i += kUnit, out += kUnit) {
+            const int slot = i / kGroup;
+            const U16 a = across<Wide>(upper_, slot) * w0 + across<Wide>(lower_, slot) * w1;
+            const U16 b = across<Wide>(upper_, slot + kLanes) * w0 + across<Wide>(lower_, slot + kLanes) * w1;
+            store(out, narrow_shifted<6>(a, b));
+        }
+    }
+
+    void blend(int from, int to, uint8_t *out) const {
+        constexpr int kHalf = kUnit / 2;
+        const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
+        for (int i = from; i < to; i += kUnit, out += kUnit) {
+            const U16 a = load<U16>(upper_sums_ + i) * w0 + load<U16>(lower_sums_ + i) * w1;
+            const U16 b = load<U16>(upper_sums_ + i + kHalf) * w0 + load<U16>(lower_sums_ + i + kHalf) * w1;
+            store(out, narrow_shifted<6>(a, b));
+        }
+    }
+
+    const Strip &strip_;
+    const SourceRows &rows_;
+    const int shift_;
+    const bool keep_;  // enlarging: a row serves more than one pair, so what is kept is sampled across already
+    uint16_t lower_weight_ = 0;
+    const uint8_t *upper_ = nullptr, *lower_ = nullptr;
+    const uint16_t *upper_sums_ = nullptr, *lower_sums_ = nullptr;
+    RowPair<uint8_t, kBufferBytes> collected_;
+    RowPair<uint16_t, Strip::kMaxOutputs> kept_;
+};
+
+}  // namespace qorv::QORV_ISA
