@@ -3,8 +3,9 @@
 packages_build="g++ cmake ninja-build pkg-config googletest libpng-dev libcli11-dev ffmpeg python3"
 packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg-dev libx264-dev libssl-dev
   libopencv-core-dev libopencv-imgproc-dev"
+packages_android="clang-19 lld-19 libclang-rt-19-dev libc++-19-dev musl-dev linux-libc-dev"
 packages_check="gcc clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
-  g++-aarch64-linux-gnu qemu-user dpkg-dev doxygen"
+  g++-aarch64-linux-gnu qemu-user dpkg-dev doxygen $packages_android"
 
 need_packages() {
   local missing=() package
