@@ -24,6 +24,14 @@ build_with_find_package() {  # build_with_find_package PREFIX LANGUAGE
   [ "$2" = CXX ] || [ "$(needs "$out/consumer_qorv_skia_static")" = libc.so.6 ] || fail "a C program needs more than libc"
 }
 
+build_the_readmes_example() {  # with pkg-config's paths
+  awk '/^```c$/ { inside = 1; next } /^```/ { inside = 0 } inside' README.md >"$work/grey.c"
+  # shellcheck disable=SC2046
+  cc -Wall -Wextra -Werror "$work/grey.c" $(pkg-config --cflags --libs qorv_skia) -o "$work/grey"
+  [ "$(LD_LIBRARY_PATH=$(pkg-config --variable=libdir qorv_skia) "$work/grey")" = "R G B 128 128 128" ] ||
+    fail "the example of README.md"
+}
+
 build_with_pkg_config() {  # build_with_pkg_config PREFIX COMPILER...
   local libdir
   export PKG_CONFIG_PATH; PKG_CONFIG_PATH=$(dirname "$(find "$1" -name qorv_skia.pc)")
@@ -58,6 +66,7 @@ in_scratch_root() {
 in_scratch_root --install "$work"/packages/libqorv-skia1_*.deb
 in_scratch_root --install "$work"/packages/libqorv-skia-dev_*.deb
 build_with_pkg_config "$work/root" gcc -std=c11
+build_the_readmes_example
 in_scratch_root --purge libqorv-skia-dev
 [ -z "$(find "$work/root/usr" -name '*.h' -o -name '*.so')" ] || fail "the development package left files"
 in_scratch_root --purge libqorv-skia1
