@@ -5,7 +5,7 @@ packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg
   libopencv-core-dev libopencv-imgproc-dev"
 packages_android="clang-19 lld-19 libclang-rt-19-dev libc++-19-dev musl-dev linux-libc-dev"
 packages_check="gcc clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
-  g++-aarch64-linux-gnu qemu-user dpkg-dev doxygen $packages_android"
+  g++-aarch64-linux-gnu qemu-user dpkg-dev doxygen abigail-tools $packages_android"
 
 need_packages() {
   local missing=() package
