@@ -9,7 +9,7 @@ using namespace qorv;
 
 namespace {
 
-// Margins are short: below this many bytes a call of a fill costs more than the fill.
+// Margins are short: up to this many bytes a call of a fill costs more than the fill.
 constexpr ptrdiff_t kInlineBytes = 128;
 
 template <class T>
