@@ -99,6 +99,13 @@ static void check_pictures(void) {
     convert(src, 1, 1, stride, 0, dst, 1, 1, stride, QORV_CS_RGB888);
     CHECK(rgb[0] == 100 && rgb[1] == 100 && rgb[2] == 100);
 
+    uint8_t row[4] = {10, 10, 10, 10}, half[2] = {0, 0};
+    const QORV_IRSZ_PARAM param = {20, 10, 4, 1, 4, 0, 2, 1, 2, half};
+    QORV_IRSZ *irsz = qorv_irsz_create(&param, NULL);
+    CHECK(irsz != NULL && qorv_irsz(irsz, row, 0, 0) == 0 && half[0] == 10 && half[1] == 10);
+    qorv_irsz_delete(irsz);
+    CHECK(qorv_tbl_bilinear_rszw[0][0] == 64);
+
     uint8_t block[16], zeros[16] = {0};
     int16_t difference[16];
     memset(block, 2, sizeof block);
