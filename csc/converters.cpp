@@ -1,4 +1,4 @@
-// The exported converters that are source layout x colour x destination layout.
+// The exported converters that are source layout x colour x destination layout, of equal size and scaling.
 #include "core/isa.h"
 #include "csc/driver.h"
 #include "qorv_skia.h"
@@ -14,3 +14,15 @@
     }
 QORV_CSC_CONVERTERS(QORV_CONVERTER)
 #undef QORV_CONVERTER
+
+#define QORV_SCALING_CONVERTER(name, source, dest)                                                            \
+    extern "C" void qorv_csc_rsz_##name(const void *const *src, int32_t src_w, int32_t src_h,                 \
+                                        const int32_t *src_stride, uint64_t, void *const *dst, int32_t dst_w, \
+                                        int32_t dst_h, const int32_t *dst_stride, int32_t) {                  \
+        if (dst_h < 1) return;                                                                                \
+        qorv::scale_picture(qorv::source_picture(qorv::source::layout, src, src_stride), src_w, src_h,        \
+                            qorv::dest_picture(qorv::dest::layout, dst, dst_stride), dst_w, dst_h,            \
+                            qorv::active.csc->name);                                                          \
+    }
+QORV_CSC_SCALING_CONVERTERS(QORV_SCALING_CONVERTER)
+#undef QORV_SCALING_CONVERTER

@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "core/isa.h"
+#include "resize/resize_kernels.h"
 
 namespace qorv {
 
@@ -30,6 +31,7 @@ struct Area {
     ptrdiff_t row_bytes;       // from there to the row's last byte, included
     ptrdiff_t stride;
     int step;  // bytes a pixel
+    ptrdiff_t rows;
 };
 
 struct Areas {
@@ -57,28 +59,28 @@ bool shares_pixel(const Picture<Byte> &picture, const uint8_t *&lowest) {
 }
 
 template <class Byte>
-Areas areas_of(const Picture<Byte> &picture, ptrdiff_t w) {
+Areas areas_of(const Picture<Byte> &picture, ptrdiff_t w, ptrdiff_t h) {
     const Layout &layout = picture.layout;
     Areas areas;
     const uint8_t *lowest;
     if (shares_pixel(picture, lowest)) {
         const int step = layout.channels[layout.first].step;
-        areas.area[areas.count++] = {lowest, w * step, picture.stride[layout.first], step};
+        areas.area[areas.count++] = {lowest, w * step, picture.stride[layout.first], step, h};
         return areas;
     }
     for (int i = layout.first; i < layout.count; i++) {
         const Channel c = layout.channels[i];
-        areas.area[areas.count++] = {picture.p[i], (w - 1) * c.step + c.bytes, picture.stride[i], c.step};
+        areas.area[areas.count++] = {picture.p[i], (w - 1) * c.step + c.bytes, picture.stride[i], c.step, h};
     }
     return areas;
 }
 
-bool disjoint(const Area &a, const Area &b, ptrdiff_t h) {
-    const auto low = [h](const Area &x) {
-        return reinterpret_cast<intptr_t>(x.first_row) + (x.stride < 0 ? x.stride * (h - 1) : 0);
+bool disjoint(const Area &a, const Area &b) {
+    const auto low = [](const Area &x) {
+        return reinterpret_cast<intptr_t>(x.first_row) + (x.stride < 0 ? x.stride * (x.rows - 1) : 0);
     };
-    const auto high = [h](const Area &x) {
-        return reinterpret_cast<intptr_t>(x.first_row) + (x.stride > 0 ? x.stride * (h - 1) : 0) + x.row_bytes;
+    const auto high = [](const Area &x) {
+        return reinterpret_cast<intptr_t>(x.first_row) + (x.stride > 0 ? x.stride * (x.rows - 1) : 0) + x.row_bytes;
     };
     if (high(a) <= low(b) || high(b) <= low(a)) return true;
     // Planes side by side in one larger picture: with one stride, rows that keep clear of each other always do.
@@ -93,18 +95,17 @@ enum class Overlap { kNone, kInPlace, kOther };
 
 // In place means that a destination lies exactly on a source: every pixel then meets itself alone, so a strip may be
 // read before it is written.
-Overlap find_overlap(const SourcePicture &src, const DestPicture &dst, ptrdiff_t w, ptrdiff_t h) {
-    const Areas in = areas_of(src, w), out = areas_of(dst, w);
+Overlap find_overlap(const Areas &in, const Areas &out) {
     Overlap found = Overlap::kNone;
     for (int i = 0; i < out.count; i++) {
         const Area &a = out.area[i];
         for (int k = i + 1; k < out.count; k++) {
-            if (!disjoint(a, out.area[k], h)) return Overlap::kOther;
+            if (!disjoint(a, out.area[k])) return Overlap::kOther;
         }
         for (int k = 0; k < in.count; k++) {
             const Area &b = in.area[k];
-            if (disjoint(a, b, h)) continue;
-            const bool rows_apart = h == 1 || a.stride >= a.row_bytes || -a.stride >= a.row_bytes;
+            if (disjoint(a, b)) continue;
+            const bool rows_apart = a.rows == 1 || a.stride >= a.row_bytes || -a.stride >= a.row_bytes;
             if (a.first_row != b.first_row || a.stride != b.stride || a.step != b.step || !rows_apart) {
                 return Overlap::kOther;
             }
@@ -130,6 +131,8 @@ void copy_channel(Channel channel, uint8_t *to, int to_step, const uint8_t *from
         copy_samples<1>(to, to_step, from, from_step, n);
     }
 }
+
+constexpr ptrdiff_t kNoStride[kMaxChannels] = {};  // of a kernel's single row
 
 // One strip of a row in the arrangement that kernels work on.
 class Stage {
@@ -166,7 +169,6 @@ private:
 // and copied out. With strips of one pixel this is the per-pixel loop.
 [[gnu::noinline]] void convert_staged(const SourcePicture &src, const DestPicture &dst, CscKernel kernel, ptrdiff_t w,
                                       ptrdiff_t h, ptrdiff_t strip) {
-    static constexpr ptrdiff_t kNoStride[kMaxChannels] = {};
     const ptrdiff_t block = active.csc->block;
     Stage in(src.layout), out(dst.layout);
     const uint8_t *from[kMaxChannels];
@@ -195,6 +197,30 @@ Result picture_of(const Layout &layout, Pointers pointers, const int32_t *stride
     return picture;
 }
 
+// Where the sampled rows of a scaling converter go.
+struct ScaledDest {
+    const DestPicture &picture;
+    CscKernel kernel;
+    bool direct;  // the kernel may write to the picture itself
+    Stage stage{picture.layout};
+
+    void take(const uint8_t *const *samples, ptrdiff_t x, ptrdiff_t n, ptrdiff_t y) {
+        const Layout &layout = picture.layout;
+        uint8_t *row[kMaxChannels] = {}, *at[kMaxChannels] = {};
+        for (int i = layout.first; i < layout.count; i++) {
+            row[i] = picture.p[i] + y * picture.stride[i];
+            at[i] = row[i] + x * layout.channels[i].step;
+        }
+        const ptrdiff_t block = active.csc->block;
+        if (direct && n >= block) {
+            kernel(samples, kNoStride, at, kNoStride, n, 1);
+        } else {
+            kernel(samples, kNoStride, stage.pointers(), kNoStride, n < block ? block : n, 1);
+            stage.write(picture, row, x, n);
+        }
+    }
+};
+
 }  // namespace
 
 SourcePicture source_picture(const Layout &layout, const void *const *src, const int32_t *stride) {
@@ -207,13 +233,39 @@ DestPicture dest_picture(const Layout &layout, void *const *dst, const int32_t *
 
 void convert_picture(const SourcePicture &src, const DestPicture &dst, CscKernel kernel, int32_t w, int32_t h) {
     if (w < 1 || h < 1) return;
-    const Overlap overlap = find_overlap(src, dst, w, h);
+    const Overlap overlap = find_overlap(areas_of(src, w, h), areas_of(dst, w, h));
     if (overlap == Overlap::kOther) {
         convert_staged(src, dst, kernel, w, h, 1);
     } else if (overlap == Overlap::kNone && w >= active.csc->block && canonical(src) && canonical(dst)) {
         kernel(src.p, src.stride, dst.p, dst.stride, w, h);
     } else {
         convert_staged(src, dst, kernel, w, h, kStrip);
+    }
+}
+
+void scale_picture(const SourcePicture &src, int32_t src_w, int32_t src_h, const DestPicture &dst, int32_t dst_w,
+                   int32_t dst_h, CscKernel kernel) {
+    if (dst_w < 1 || dst_h < 1) return;
+    static_assert(kStrip >= kStripColumns);
+    ScaledDest dest{.picture = dst, .kernel = kernel, .direct = canonical(dst)};
+    PlanesJob job{.grid = grid_between(src_w, src_h, dst_w, dst_h),
+                  .planes = src.layout.count,
+                  .rows = {},
+                  .first_column = 0,
+                  .columns = dst_w,
+                  .first_row = 0,
+                  .take = [](void *context, const uint8_t *const *samples, int32_t x, int32_t n,
+                             int32_t y) { static_cast<ScaledDest *>(context)->take(samples, x, n, y); },
+                  .context = &dest};
+    for (int i = 0; i < job.planes; i++) job.rows[i] = {src.p[i], src.stride[i], 0, -1, nullptr};
+    if (find_overlap(areas_of(src, src_w, src_h), areas_of(dst, dst_w, dst_h)) == Overlap::kNone) {
+        active.resize->planes(job);
+        return;
+    }
+    job.columns = job.grid.h = 1;
+    for (job.first_row = 0; job.first_row < dst_h; job.first_row++) {
+        job.grid.first_y = job.first_row * job.grid.y.step;
+        for (job.first_column = 0; job.first_column < dst_w; job.first_column++) active.resize->planes(job);
     }
 }
 

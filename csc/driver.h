@@ -23,4 +23,9 @@ DestPicture dest_picture(const Layout &layout, void *const *dst, const int32_t *
 // left, all samples of a pixel read before its first is written, in the order of the pointers.
 void convert_picture(const SourcePicture &src, const DestPicture &dst, CscKernel kernel, int32_t w, int32_t h);
 
+// Samples planes of bytes bilinearly and converts the samples, for any destination size, with the outcome of the
+// per-pixel loop over the destination. The kernel is that of the same layouts without scaling. Takes 24 KiB of stack.
+void scale_picture(const SourcePicture &src, int32_t src_w, int32_t src_h, const DestPicture &dst, int32_t dst_w,
+                   int32_t dst_h, CscKernel kernel);
+
 }  // namespace qorv

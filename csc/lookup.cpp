@@ -20,7 +20,14 @@ extern "C" const qorv_csc_fn qorv_tbl_fn_csc_to_rgb[2][6][11] = {
         {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
          qorv_csc_r10g10b10_to_p410},
     },
-    {},
+    {
+        {qorv_csc_rsz_r8g8b8_to_rgb888, qorv_csc_rsz_r8g8b8_to_rgba8888},
+        {nullptr, qorv_csc_rsz_r8g8b8a8_to_rgba8888},
+        {qorv_csc_rsz_yuv444_to_rgb888, qorv_csc_rsz_yuv444_to_rgba8888, qorv_csc_rsz_yuv444_to_rgb565},
+        {nullptr, qorv_csc_rsz_yuv444a8_to_rgba8888, nullptr, nullptr, qorv_csc_rsz_yuv444a8_to_rgb565a8},
+        {},
+        {},
+    },
 };
 
 extern "C" const qorv_csc_fn qorv_tbl_fn_csc_to_yuvplanar[2][8][3] = {

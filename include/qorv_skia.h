@@ -1191,6 +1191,65 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
 
 /** @} */
 
+/** @name Conversion with scaling
+ *  Planes are sampled bilinearly on the grid of the resizer (see there for steps, decimation and weights), each sample
+ *  (w0 A + w1 B + w2 C + w3 D) >> 6, and the samples converted as by the converter of the same name without "rsz". The
+ *  source must be at least one pixel wide and high; sides up to 32768 are right. Equal sizes are not a copy: the step is
+ *  slightly below one pixel. dst_w or dst_h below 1 writes nothing. At most 32 KiB of stack are taken.
+ *  @{ */
+/** Planes R, G, B to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_r8g8b8_to_rgb888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B to interleaved bytes; dst: R, G, B, A channel pointers. Alpha is 255.
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_r8g8b8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                              const int32_t *src_stride, uint64_t unused, void *const *dst,
+                                              int32_t dst_w, int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes R, G, B, A, all sampled, to interleaved bytes; dst: R, G, B, A channel pointers.
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_r8g8b8a8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                                const int32_t *src_stride, uint64_t unused, void *const *dst,
+                                                int32_t dst_w, int32_t dst_h, const int32_t *dst_stride,
+                                                int32_t dst_cs);
+
+/** Planes Y, U, V to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_yuv444_to_rgb888(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V to interleaved bytes; dst: R, G, B, A channel pointers. Alpha is 255.
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_yuv444_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                              const int32_t *src_stride, uint64_t unused, void *const *dst,
+                                              int32_t dst_w, int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V, A, all sampled, to interleaved bytes; dst: R, G, B, A channel pointers.
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_yuv444a8_to_rgba8888(const void *const *src, int32_t src_w, int32_t src_h,
+                                                const int32_t *src_stride, uint64_t unused, void *const *dst,
+                                                int32_t dst_w, int32_t dst_h, const int32_t *dst_stride,
+                                                int32_t dst_cs);
+
+/** Planes Y, U, V to a plane of 5-6-5 words in dst[0].
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_yuv444_to_rgb565(const void *const *src, int32_t src_w, int32_t src_h,
+                                            const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
+                                            int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
+
+/** Planes Y, U, V, A to a plane of 5-6-5 words in dst[0] and sampled alpha bytes in dst[1].
+ *  @copydetails qorv_csc_fn */
+QORV_API void qorv_csc_rsz_yuv444a8_to_rgb565a8(const void *const *src, int32_t src_w, int32_t src_h,
+                                                const int32_t *src_stride, uint64_t unused, void *const *dst,
+                                                int32_t dst_w, int32_t dst_h, const int32_t *dst_stride,
+                                                int32_t dst_cs);
+
+/** @} */
+
 /** @} */
 
 /** @defgroup irsz Resizer

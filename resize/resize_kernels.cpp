@@ -64,6 +64,29 @@ void resize(const ResizeJob &job) {
     }
 }
 
+void sample_strip(const PlanesJob &job, const Columns<Bytes<1>, 1> &strip, int32_t first) {
+    const Axis &step = job.grid.y;
+    Sampler<Bytes<1>, 1> planes[kMaxPlanes] = {
+        {strip, job.rows[0], step}, {strip, job.rows[1], step}, {strip, job.rows[2], step}, {strip, job.rows[3], step}};
+    uint8_t samples[kMaxPlanes][kStripColumns];
+    const uint8_t *const rows[kMaxPlanes] = {samples[0], samples[1], samples[2], samples[3]};
+    int64_t y = job.grid.first_y;
+    for (int32_t row = 0; row < job.grid.h; row++, y += step.step) {
+        for (int i = 0; i < job.planes; i++) {
+            planes[i].seek(y);
+            planes[i].write(0, strip.outputs, samples[i]);
+        }
+        job.take(job.context, rows, first, strip.count, job.first_row + row);
+    }
+}
+
+void sample_planes(const PlanesJob &job) {
+    const int32_t end = job.first_column + job.columns;
+    for (int32_t x = job.first_column; x < end; x += kStripColumns) {
+        sample_strip(job, Columns<Bytes<1>, 1>(job.grid, x, end - x < kStripColumns ? end - x : kStripColumns), x);
+    }
+}
+
 }  // namespace
 
 constinit const ResizeKernels resize_kernels = {
@@ -72,6 +95,7 @@ constinit const ResizeKernels resize_kernels = {
     .rgb_to_565 = resize<Bytes<3>, 4, Store565>,
     .rgb565 = resize<Words565, 4, Store565>,
     .rgba = resize<Bytes<4>, 4, StoreBytes<4>>,
+    .planes = sample_planes,
 };
 
 }  // namespace qorv::QORV_ISA

@@ -25,6 +25,12 @@ struct Grid {
     int32_t w, h;       // columns and rows to produce, both at least 1
 };
 
+// The grid of a whole picture.
+inline Grid grid_between(int32_t src_w, int32_t src_h, int32_t dst_w, int32_t dst_h) {
+    const Axis x = axis_between(src_w, dst_w);
+    return {.x = x, .y = axis_between(src_h, dst_h), .neighbour = 1 << x.shift, .first_y = 0, .w = dst_w, .h = dst_h};
+}
+
 // Any overlap of source and destination is excluded.
 struct ResizeJob {
     Grid grid;
@@ -35,8 +41,23 @@ struct ResizeJob {
 
 using ResizeKernel = void (*)(const ResizeJob &job);
 
+constexpr int kMaxPlanes = 4;
+
+// Planes of bytes of one size, sampled together. Rows of samples are handed on strip by strip.
+struct PlanesJob {
+    Grid grid;  // w is the whole width, h the rows to produce
+    int planes;
+    SourceRows rows[kMaxPlanes];
+    int32_t first_column, columns;  // of the destination, to produce
+    int32_t first_row;              // number of the row at grid.first_y
+    // Samples of each plane for columns x to x + n - 1 of row y, readable up to the next whole vector.
+    void (*take)(void *context, const uint8_t *const *samples, int32_t x, int32_t n, int32_t y);
+    void *context;
+};
+
 struct ResizeKernels {
     ResizeKernel gray, rgb, rgb_to_565, rgb565, rgba;
+    void (*planes)(const PlanesJob &job);
 };
 
 // Pixels held at a time, in columns of the destination. A multiple of every vector length.

@@ -81,6 +81,19 @@ void place(const std::vector<CscPointer> &pointers, Channels channels, Strides s
     }
 }
 
+// The same for a scaling converter.
+void expect_same_scaled(const CscScalingCase &c, const Placement &placement, size_t bytes, int32_t src_w, int32_t src_h,
+                        int32_t dst_w, int32_t dst_h, Random &random) {
+    std::vector<uint8_t> ours(bytes), expected;
+    for (uint8_t &byte : ours) byte = static_cast<uint8_t>(random());
+    expected = ours;
+    const Call call = at(ours.data(), placement), reference = at(expected.data(), placement);
+    c.fn(call.src, src_w, src_h, call.src_stride, ~uint64_t{0}, call.dst, dst_w, dst_h, call.dst_stride, -1);
+    csc_scaling_reference(*c.unscaled, reference.src, src_w, src_h, reference.src_stride, reference.dst, dst_w, dst_h,
+                          reference.dst_stride);
+    ASSERT_TRUE(ours == expected) << c.name << " " << src_w << "x" << src_h << " to " << dst_w << "x" << dst_h;
+}
+
 class Converters : public WithKernelSet {};
 INSTANTIATE_FOR_KERNEL_SETS(Converters);
 
@@ -92,6 +105,16 @@ TEST(ConverterTable, EveryConverterOfTheListIsChecked) {
     EXPECT_EQ(checked[#name], qorv_csc_##name) << #name; \
     listed++;
     QORV_CSC_CONVERTERS(EXPECT_CHECKED)
+#undef EXPECT_CHECKED
+    EXPECT_EQ(checked.size(), listed);
+
+    checked.clear();
+    for (const CscScalingCase &c : csc_scaling_cases()) checked[c.name] = c.fn;
+    listed = 0;
+#define EXPECT_CHECKED(name, source, dest)                   \
+    EXPECT_EQ(checked[#name], qorv_csc_rsz_##name) << #name; \
+    listed++;
+    QORV_CSC_SCALING_CONVERTERS(EXPECT_CHECKED)
 #undef EXPECT_CHECKED
     EXPECT_EQ(checked.size(), listed);
 }
@@ -213,6 +236,80 @@ TEST_P(Converters, EmptyPicturesAreLeftAlone) {
         for (int k = 0; k < 4; k++) call.src[k] = call.dst[k] = &byte;
         for (const int32_t w : {0, -1, INT32_MIN}) run(c, call, w, 2);
         EXPECT_EQ(byte, 77) << c.name;
+    }
+}
+
+TEST_P(Converters, ScalingOfEveryRatioArrangementAndStride) {
+    Random random(7);
+    const int32_t sizes[][4] = {{1, 1, 5, 3},     {1, 1, 1, 1},    {40, 30, 40, 30}, {40, 30, 20, 15}, {31, 22, 97, 41},
+                                {97, 41, 31, 22}, {300, 9, 8, 30}, {9, 300, 30, 8},  {513, 8, 512, 9}, {8192, 2, 3, 2},
+                                {2, 8192, 2, 3},  {64, 5, 600, 2}, {900, 5, 300, 4}, {700, 4, 300, 3}, {50, 40, 0, 9},
+                                {50, 40, 9, 0},   {50, 40, 9, -1}, {33, 33, 34, 34}, {16, 16, 32, 32}, {700, 3, 41, 2}};
+    for (const CscScalingCase &c : csc_scaling_cases()) {
+        for (const auto &[sw, sh, dw, dh] : sizes) {
+            for (const Channels channels : {Channels::kCanonical, Channels::kReversed, Channels::kUnrelated}) {
+                for (const Strides strides : {Strides::kTight, Strides::kPadded, Strides::kNegative}) {
+                    Placement placement;
+                    int64_t bytes = 8;
+                    place(c.unscaled->src, channels, strides, sw, sh, false, bytes, placement.src,
+                          placement.src_stride);
+                    place(c.unscaled->dst, channels, strides, std::max(dw, 1), std::max(dh, 1), false, bytes,
+                          placement.dst, placement.dst_stride);
+                    ASSERT_NO_FATAL_FAILURE(
+                        expect_same_scaled(c, placement, static_cast<size_t>(bytes), sw, sh, dw, dh, random));
+                }
+            }
+        }
+    }
+}
+
+TEST_P(Converters, ScalingOntoItselfGivesThePerPixelOutcome) {
+    Random random(8);
+    for (const CscScalingCase &c : csc_scaling_cases()) {
+        for (int round = 0; round < 25; round++) {
+            Placement placement;
+            for (size_t k = 0; k < c.unscaled->src.size(); k++) {
+                placement.src.push_back(2000 + random.between(-300, 300));
+                placement.src_stride.push_back(random.between(-200, 200));
+            }
+            for (size_t k = 0; k < c.unscaled->dst.size(); k++) {
+                placement.dst.push_back(2000 + random.between(-300, 300));
+                placement.dst_stride.push_back(random.between(-200, 200));
+            }
+            ASSERT_NO_FATAL_FAILURE(expect_same_scaled(c, placement, 4096, random.between(1, 40), random.between(1, 6),
+                                                       random.between(1, 40), random.between(1, 6), random));
+        }
+    }
+}
+
+TEST_P(Converters, ScalingReadsNothingOutsideItsPlanes) {
+    Random random(9);
+    const int32_t sizes[][4] = {{1, 1, 33, 9},   {1, 9, 40, 3},    {9, 1, 3, 40},   {17, 5, 40, 9},
+                                {97, 40, 40, 9}, {300, 50, 13, 2}, {65, 3, 64, 64}, {40, 3, 270, 4}};
+    for (const CscScalingCase &c : csc_scaling_cases()) {
+        for (const auto &[sw, sh, dw, dh] : sizes) {
+            for (const Flush flush : kBothFlushes) {
+                std::vector<GuardedBuffer> src;
+                Call call;
+                for (size_t k = 0; k < c.unscaled->src.size(); k++) {
+                    src.emplace_back(static_cast<size_t>(sw * sh), flush);
+                    src.back().generate(random);
+                    src.back().protect(true);
+                    call.src[k] = src.back().data();
+                    call.src_stride[k] = sw;
+                }
+                const auto &to = c.unscaled->dst;
+                const bool interleaved = to[0].step > 2;
+                std::vector<GuardedBuffer> dst;
+                for (size_t k = 0; k < to.size(); k++) {
+                    if (k == 0 || !interleaved) dst.emplace_back(static_cast<size_t>(dw * dh * to[k].step), flush);
+                    call.dst[k] = dst.back().data() + (interleaved ? k : 0);
+                    call.dst_stride[k] = dw * to[k].step;
+                }
+                c.fn(call.src, sw, sh, call.src_stride, 0, call.dst, dw, dh, call.dst_stride, 0);
+                for (const GuardedBuffer &buffer : dst) ASSERT_TRUE(buffer.slack_intact()) << c.name;
+            }
+        }
     }
 }
 

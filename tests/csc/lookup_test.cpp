@@ -9,15 +9,23 @@ namespace {
 
 // Flat indices of the filled cells of each table.
 const std::map<int, qorv_csc_fn> kToRgb{
-    {0, qorv_csc_r8g8b8_to_rgb888},      {1, qorv_csc_r8g8b8_to_rgba8888},    {2, qorv_csc_r8g8b8_to_rgb565},
-    {4, qorv_csc_x8y8z8_to_xyz565a8},    {5, qorv_csc_r8g8b8_to_argb8888},    {6, qorv_csc_r8g8b8_to_bgra8888},
-    {12, qorv_csc_r8g8b8a8_to_rgba8888}, {14, qorv_csc_r8g8b8a8_to_rgba8888}, {15, qorv_csc_x8y8z8a8_to_xyz565a8},
-    {16, qorv_csc_r8g8b8a8_to_argb8888}, {17, qorv_csc_r8g8b8a8_to_bgra8888}, {22, qorv_csc_yuv444_to_rgb888},
-    {23, qorv_csc_yuv444_to_rgba8888},   {24, qorv_csc_yuv444_to_rgb565},     {26, qorv_csc_yuv444_to_rgb565a8},
-    {27, qorv_csc_yuv444_to_argb8888},   {28, qorv_csc_yuv444_to_bgra8888},   {30, qorv_csc_yuv444_to_r8g8b8},
-    {34, qorv_csc_yuv444a8_to_rgba8888}, {36, qorv_csc_yuv444a8_to_rgba5658}, {37, qorv_csc_yuv444a8_to_rgb565a8},
-    {38, qorv_csc_yuv444a8_to_argb8888}, {39, qorv_csc_yuv444a8_to_bgra8888}, {54, qorv_csc_p410_to_r10g10b10},
-    {65, qorv_csc_r10g10b10_to_p410},
+    {0, qorv_csc_r8g8b8_to_rgb888},           {1, qorv_csc_r8g8b8_to_rgba8888},
+    {2, qorv_csc_r8g8b8_to_rgb565},           {4, qorv_csc_x8y8z8_to_xyz565a8},
+    {5, qorv_csc_r8g8b8_to_argb8888},         {6, qorv_csc_r8g8b8_to_bgra8888},
+    {12, qorv_csc_r8g8b8a8_to_rgba8888},      {14, qorv_csc_r8g8b8a8_to_rgba8888},
+    {15, qorv_csc_x8y8z8a8_to_xyz565a8},      {16, qorv_csc_r8g8b8a8_to_argb8888},
+    {17, qorv_csc_r8g8b8a8_to_bgra8888},      {22, qorv_csc_yuv444_to_rgb888},
+    {23, qorv_csc_yuv444_to_rgba8888},        {24, qorv_csc_yuv444_to_rgb565},
+    {26, qorv_csc_yuv444_to_rgb565a8},        {27, qorv_csc_yuv444_to_argb8888},
+    {28, qorv_csc_yuv444_to_bgra8888},        {30, qorv_csc_yuv444_to_r8g8b8},
+    {34, qorv_csc_yuv444a8_to_rgba8888},      {36, qorv_csc_yuv444a8_to_rgba5658},
+    {37, qorv_csc_yuv444a8_to_rgb565a8},      {38, qorv_csc_yuv444a8_to_argb8888},
+    {39, qorv_csc_yuv444a8_to_bgra8888},      {54, qorv_csc_p410_to_r10g10b10},
+    {65, qorv_csc_r10g10b10_to_p410},         {66, qorv_csc_rsz_r8g8b8_to_rgb888},
+    {67, qorv_csc_rsz_r8g8b8_to_rgba8888},    {78, qorv_csc_rsz_r8g8b8a8_to_rgba8888},
+    {88, qorv_csc_rsz_yuv444_to_rgb888},      {89, qorv_csc_rsz_yuv444_to_rgba8888},
+    {90, qorv_csc_rsz_yuv444_to_rgb565},      {100, qorv_csc_rsz_yuv444a8_to_rgba8888},
+    {103, qorv_csc_rsz_yuv444a8_to_rgb565a8},
 };
 const std::map<int, qorv_csc_fn> kToYuv{
     {0, qorv_csc_r8g8b8_to_yuv444},   {4, qorv_csc_r8g8b8a8_to_yuv444a8}, {6, qorv_csc_yuv444x_to_yuv444x},

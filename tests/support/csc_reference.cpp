@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "support/bilinear_reference.h"
+
 namespace test {
 
 namespace {
@@ -116,35 +118,90 @@ const std::vector<CscCase> &csc_cases() {
     return cases;
 }
 
+const std::vector<CscScalingCase> &csc_scaling_cases() {
+    static const std::vector<CscScalingCase> cases = [] {
+        std::vector<CscScalingCase> list;
+        const auto add = [&](const char *name, qorv_csc_fn fn) {
+            for (const CscCase &c : csc_cases()) {
+                if (strcmp(c.name, name) == 0) list.push_back({name, fn, &c});
+            }
+        };
+#define ADD(name) add(#name, qorv_csc_rsz_##name)
+        ADD(r8g8b8_to_rgb888);
+        ADD(r8g8b8_to_rgba8888);
+        ADD(r8g8b8a8_to_rgba8888);
+        ADD(yuv444_to_rgb888);
+        ADD(yuv444_to_rgba8888);
+        ADD(yuv444a8_to_rgba8888);
+        ADD(yuv444_to_rgb565);
+        ADD(yuv444a8_to_rgb565a8);
+#undef ADD
+        return list;
+    }();
+    return cases;
+}
+
+namespace {
+
+int64_t row_offset(const CscCase &c, const CscPointer &p, int64_t y, int32_t stride) {
+    if (c.deep) return y * stride * 2;
+    return y * (p.what == 'W' ? (stride >> 1) * int64_t{2} : stride);
+}
+
+// Converts a pixel and writes it at (x, y).
+void write_pixel(const CscCase &c, Pixel pixel, void *const *dst, const int32_t *dst_stride, int32_t x, int32_t y) {
+    if (c.to_rgb) c.deep ? pixel.to_rgb10() : pixel.to_rgb();
+    if (c.to_yuv) c.deep ? pixel.to_yuv10() : pixel.to_yuv();
+    for (size_t k = 0; k < c.dst.size(); k++) {
+        const CscPointer &p = c.dst[k];
+        if (p.what == ' ') continue;
+        auto *to = static_cast<uint8_t *>(dst[k]) + row_offset(c, p, y, dst_stride[k]) + x * p.step;
+        if (p.bytes == 2) {
+            write_word(to, c.deep ? pixel[p.what] : pixel.word());
+        } else {
+            *to = p.what == '1' ? 255 : static_cast<uint8_t>(pixel[p.what]);
+        }
+    }
+}
+
+}  // namespace
+
 void csc_reference(const CscCase &c, const void *const *src, int32_t w, int32_t h, const int32_t *src_stride,
                    void *const *dst, const int32_t *dst_stride) {
-    const auto row_offset = [&](const CscPointer &p, int64_t y, int32_t stride) {
-        return c.deep ? y * stride * 2 : y * (p.what == 'W' ? (stride >> 1) * int64_t{2} : stride);
-    };
     for (int32_t y = 0; y < h; y++) {
         for (int32_t x = 0; x < w; x++) {
             Pixel pixel;
             for (size_t k = 0; k < c.src.size(); k++) {
                 const CscPointer &p = c.src[k];
-                const auto *from = static_cast<const uint8_t *>(src[k]) + row_offset(p, y, src_stride[k]) + x * p.step;
+                const auto *from =
+                    static_cast<const uint8_t *>(src[k]) + row_offset(c, p, y, src_stride[k]) + x * p.step;
                 if (p.what == 'W') {
                     pixel.set_word(read_word(from));
                 } else {
                     pixel[p.what] = c.deep ? read_word(from) : *from;
                 }
             }
-            if (c.to_rgb) c.deep ? pixel.to_rgb10() : pixel.to_rgb();
-            if (c.to_yuv) c.deep ? pixel.to_yuv10() : pixel.to_yuv();
-            for (size_t k = 0; k < c.dst.size(); k++) {
-                const CscPointer &p = c.dst[k];
-                if (p.what == ' ') continue;
-                auto *to = static_cast<uint8_t *>(dst[k]) + row_offset(p, y, dst_stride[k]) + x * p.step;
-                if (p.bytes == 2) {
-                    write_word(to, c.deep ? pixel[p.what] : pixel.word());
-                } else {
-                    *to = p.what == '1' ? 255 : static_cast<uint8_t>(pixel[p.what]);
-                }
+            write_pixel(c, pixel, dst, dst_stride, x, y);
+        }
+    }
+}
+
+void csc_scaling_reference(const CscCase &c, const void *const *src, int32_t src_w, int32_t src_h,
+                           const int32_t *src_stride, void *const *dst, int32_t dst_w, int32_t dst_h,
+                           const int32_t *dst_stride) {
+    const BilinearAxis x_axis(src_w, dst_w), y_axis(src_h, dst_h);
+    for (int32_t y = 0; y < dst_h; y++) {
+        for (int32_t x = 0; x < dst_w; x++) {
+            Pixel pixel;
+            for (size_t k = 0; k < c.src.size(); k++) {
+                pixel[c.src[k].what] =
+                    bilinear_sum(x_axis, y_axis, x, y,
+                                 [&](int64_t column, int64_t row) {
+                                     return static_cast<const uint8_t *>(src[k])[row * src_stride[k] + column];
+                                 }) >>
+                    6;
             }
+            write_pixel(c, pixel, dst, dst_stride, x, y);
         }
     }
 }

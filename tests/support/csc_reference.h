@@ -26,8 +26,20 @@ struct CscCase {
 
 const std::vector<CscCase> &csc_cases();
 
+// The scaling converters, each with the case that it samples for.
+struct CscScalingCase {
+    const char *name;
+    qorv_csc_fn fn;
+    const CscCase *unscaled;
+};
+
+const std::vector<CscScalingCase> &csc_scaling_cases();
+
 // Converts with rows from the first, pixels from the left, a pixel's samples read before its first is written.
 void csc_reference(const CscCase &c, const void *const *src, int32_t w, int32_t h, const int32_t *src_stride,
                    void *const *dst, const int32_t *dst_stride);
+void csc_scaling_reference(const CscCase &c, const void *const *src, int32_t src_w, int32_t src_h,
+                           const int32_t *src_stride, void *const *dst, int32_t dst_w, int32_t dst_h,
+                           const int32_t *dst_stride);
 
 }  // namespace test
