@@ -164,7 +164,7 @@ int32_t build(QORV_IRSZ &rsz, const QORV_IRSZ_PARAM &param) {
     if (format == nullptr) return QORV_ERR_UNSUPPORTED_FMT;
     set_up(rsz, param, *format);
     if (param.mode == kBandMode) {
-        rsz.line_buf = static_cast<uint8_t *>(malloc(static_cast<size_t>(param.src_stride) * format->src_bytes + 1));
+        rsz.line_buf = static_cast<uint8_t *>(malloc(static_cast<size_t>(param.src_stride * format->src_bytes) + 1));
         if (rsz.line_buf == nullptr) return QORV_ERR_IRSZ_NOMEM;
     }
     return QORV_OK;
