@@ -76,14 +76,6 @@ qorv_csc_fn find_converter(uint32_t src_w, uint32_t src_h, int32_t src_cs, uint3
     return convert;
 }
 
-void parse_size(const std::string &text, uint32_t &width, uint32_t &height) {
-    int end = 0;
-    if (std::sscanf(text.c_str(), "%5ux%5u%n", &width, &height, &end) != 2 || static_cast<size_t>(end) != text.size() ||
-        width == 0 || height == 0 || width > 32768 || height > 32768) {
-        throw Error("--size " + text + ": WIDTHxHEIGHT is wanted, each from 1 to 32768");
-    }
-}
-
 // OUT.png for one frame, OUT-00012.png for frame 12 of many.
 std::string frame_path(const Options &options, uint64_t frame) {
     if (!options.all) return options.out;

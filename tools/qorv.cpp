@@ -1,5 +1,6 @@
 // qorv: a command-line program on the public header of libqorv_skia, and the living example of its use.
 #include <cstdio>
+#include <new>
 
 #include "qorv_skia.h"
 #include "tools/command.h"
@@ -17,11 +18,15 @@ int main(int argc, char **argv) {
     tool::add_headers_command(app);
     tool::add_keyframes_command(app);
     tool::add_md5_command(app);
+    tool::add_resize_command(app);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         return app.exit(error) == 0 ? 0 : 2;
+    } catch (const std::bad_alloc &) {
+        std::fprintf(stderr, "qorv: there is not enough memory\n");
+        return 1;
     } catch (const std::exception &error) {
         std::fprintf(stderr, "qorv: %s\n", error.what());
         return 1;

@@ -1,7 +1,7 @@
 """qorv convert against the colour formulas, pixel by pixel, on real pictures of awkward sizes."""
 import os
 
-from program import ffmpeg, qorv, survives_damage
+from program import ffmpeg, pixels_of, qorv, shown_as_565, survives_damage
 
 W, H, FRAMES = 37, 29, 3
 
@@ -27,11 +27,6 @@ def to_yuv(r, g, b):
             min(((128 * r - 107 * g - 21 * b + 128) >> 8) + 128, 255))
 
 
-def shown_as_565(rgb):
-    r, g, b = rgb[0] >> 3, rgb[1] >> 2, rgb[2] >> 3
-    return (r << 3 | r >> 2, g << 2 | g >> 4, b << 3 | b >> 2)
-
-
 def make(pixel_format, path):
     """A stream with colours everywhere; its frames as planes of samples."""
     ffmpeg("-f", "lavfi", "-i", f"testsrc2=size=64x48:rate=25,scale={W}:{H},noise=alls=60", "-frames:v", str(FRAMES), "-pix_fmt",
@@ -42,11 +37,6 @@ def make(pixel_format, path):
         raw = [raw[i] | raw[i + 1] << 8 for i in range(0, len(raw), 2)]
     planes = 4 if "yuva" in pixel_format else 3
     return [[raw[(f * planes + p) * size:(f * planes + p + 1) * size] for p in range(planes)] for f in range(FRAMES)]
-
-
-def pixels_of(path):
-    raw = ffmpeg("-i", path, "-f", "rawvideo", "-pix_fmt", "rgba", "-")
-    return [tuple(raw[i:i + 4]) for i in range(0, len(raw), 4)]
 
 
 frames = make("yuv444p", "plain.y4m")

@@ -43,6 +43,18 @@ def ffprobe(*arguments):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout.split()
 
 
+def pixels_of(path, pixel_format="rgba"):
+    raw = ffmpeg("-i", path, "-f", "rawvideo", "-pix_fmt", pixel_format, "-")
+    channels = {"gray": 1, "rgb24": 3, "rgba": 4}[pixel_format]
+    return [tuple(raw[i:i + channels]) for i in range(0, len(raw), channels)]
+
+
+def shown_as_565(rgb):
+    """The colour of a 5-6-5 word made of 8-bit channels, the high bits once more below."""
+    r, g, b = rgb[0] >> 3, rgb[1] >> 2, rgb[2] >> 3
+    return (r << 3 | r >> 2, g << 2 | g >> 4, b << 3 | b >> 2)
+
+
 def survives_damage(path, *arguments, rounds=60):
     """Cuts the file short everywhere and changes bytes at random: a clear error or a result, and nothing worse."""
     generator = random.Random(SEED)
