@@ -148,13 +148,52 @@ private:
     }
 };
 
+// Every 2^Shift-th byte, from the first on, of as many vectors.
+template <int Shift>
+[[gnu::always_inline]] inline U8 every_nth_byte(const uint8_t *p) {
+    if constexpr (Shift == 0) {
+        return load<U8>(p);
+    } else {
+        const U8 first = every_nth_byte<Shift - 1>(p);
+        const U8 second = every_nth_byte<Shift - 1>(p + (kVectorBytes << (Shift - 1)));
+        return low_bytes((U16)first, (U16)second);
+    }
+}
+
+// Copies spaced bytes in whole vectors, short of the last one, behind which nothing may be read. Returns how many.
+template <int Shift>
+[[gnu::always_inline]] inline int copy_spaced_vectors(uint8_t *to, const uint8_t *from, int count) {
+    int i = 0;
+    for (; i + kVectorBytes < count; i += kVectorBytes) store(to + i, every_nth_byte<Shift>(from + (i << Shift)));
+    return i;
+}
+
 template <int N>
 [[gnu::always_inline]] inline void copy_spaced(uint8_t *to, const uint8_t *from, int count, int shift) {
     if (shift == 0) {
         memcpy(to, from, static_cast<size_t>(count) * N);
         return;
     }
-    for (int i = 0; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
+    int i = 0;
+    if constexpr (N == 1) {
+        switch (shift) {
+            case 1:
+                i = copy_spaced_vectors<1>(to, from, count);
+                break;
+            case 2:
+                i = copy_spaced_vectors<2>(to, from, count);
+                break;
+            case 3:
+                i = copy_spaced_vectors<3>(to, from, count);
+                break;
+            case 4:
+                i = copy_spaced_vectors<4>(to, from, count);
+                break;
+            default:  // a step of the caller's own
+                break;
+        }
+    }
+    for (; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
 }
 
 // 5-6-5 words to four bytes a pixel, the last of no meaning. Both buffers reach to the next whole vector.

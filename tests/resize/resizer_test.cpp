@@ -42,8 +42,8 @@ int source_channel(const Format &format, const uint8_t *pixel, int channel) {
     return channel == 0 ? (word >> 8) & 0xF8 : channel == 1 ? (word >> 3) & 0xFC : (word & 31) * 8;
 }
 
-std::vector<uint8_t> reference(const Format &format, const Sizes &size, const uint8_t *src, size_t src_row) {
-    const BilinearAxis x(size.sw, size.dw), y(size.sh, size.dh);
+std::vector<uint8_t> reference(const Format &format, const Sizes &size, const uint8_t *src, size_t src_row,
+                               const BilinearAxis &x, const BilinearAxis &y) {
     std::vector<uint8_t> out;
     for (int j = 0; j < size.dh; j++) {
         for (int i = 0; i < size.dw; i++) {
@@ -65,6 +65,10 @@ std::vector<uint8_t> reference(const Format &format, const Sizes &size, const ui
         }
     }
     return out;
+}
+
+std::vector<uint8_t> reference(const Format &format, const Sizes &size, const uint8_t *src, size_t src_row) {
+    return reference(format, size, src, src_row, BilinearAxis(size.sw, size.dw), BilinearAxis(size.sh, size.dh));
 }
 
 QORV_IRSZ_PARAM parameters(const Format &format, int mode, const Sizes &size, int src_stride, int dst_stride,
@@ -181,6 +185,26 @@ TEST_P(Resizer, RandomSizes) {
         const Sizes size{random.between(1, 90), random.between(1, 40), random.between(1, 90), random.between(1, 40)};
         check_picture(kFormats[round % 5], size, random.between(0, 3), kBothFlushes[round / 5 % 2]);
         if (HasFatalFailure()) return;
+    }
+}
+
+// Steps and shifts of the caller's own making, beyond those that the library computes.
+TEST_P(Resizer, PackedStepsOfAnyShift) {
+    for (const Format &format : kFormats) {
+        for (int shift = 0; shift <= 7; shift++) {
+            for (const int64_t step : {int64_t{0}, int64_t{70000}, int64_t{300001}, int64_t{900000}}) {
+                BilinearAxis axis;
+                axis.step = step;
+                axis.shift = shift;
+                const Sizes size{static_cast<int>(axis.index(39)) + (1 << shift) + 1, 1, 40, 1};
+                const size_t pitch = static_cast<size_t>(size.sw * format.src_bytes);
+                const GuardedBuffer source = make_source(format, size, pitch, Flush::kEnd);
+                GuardedBuffer dst(static_cast<size_t>(40 * format.dst_bytes));
+                format.full(source.data(), 0, 40, 1, 0, dst.data(), static_cast<int32_t>(step << 3 | shift), 0);
+                ASSERT_EQ(dst.bytes(), reference(format, size, source.data(), pitch, axis, {}))
+                    << "format " << format.code << ", shift " << shift << ", step " << step;
+            }
+        }
     }
 }
 

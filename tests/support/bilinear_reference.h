@@ -9,6 +9,7 @@ struct BilinearAxis {
     int64_t step = 0;
     int shift = 0;
 
+    BilinearAxis() = default;
     BilinearAxis(int64_t source, int64_t dest) {
         if (dest == 0) return;
         const int64_t ratio = source / dest;
