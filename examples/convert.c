@@ -36,6 +36,15 @@ int main(void) {
     printf("white through 5-6-5: word %04x, Y %d\n", words[3], back[0][3]);
     if (words[3] != 0xFFFF || back[0][3] != 250) return 1;
 
+    /* Where the sizes differ, the converter found scales as well. */
+    uint8_t large[3 * WIDTH * 3];
+    void *const large_channels[3] = {large, large + 1, large + 2};
+    const int32_t large_strides[3] = {sizeof large, sizeof large, sizeof large};
+    convert = qorv_imgp_get_fn_csc(WIDTH, HEIGHT, QORV_CS_YUV444, 3 * WIDTH, HEIGHT, QORV_CS_RGB888, &error);
+    if (convert == NULL) return printf("no such converter: %d\n", (int)error);
+    convert(planes, WIDTH, HEIGHT, plane_strides, 0, large_channels, 3 * WIDTH, HEIGHT, large_strides, QORV_CS_RGB888);
+    if (large[0] != bgra[2] || large[1] != bgra[1] || large[2] != bgra[0]) return 1; /* the first pixel as it was */
+
     /* What no converter does is reported, not guessed. */
     convert = qorv_imgp_get_fn_csc(WIDTH, HEIGHT, QORV_CS_NV12, WIDTH, HEIGHT, QORV_CS_RGB888, &error);
     return convert == NULL && error == QORV_ERR_UNSUPPORTED_CS ? 0 : 1;
