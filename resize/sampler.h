@@ -168,6 +168,47 @@ template <int Shift>
     return i;
 }
 
+// Every second or every fourth byte.
+template <int Shift>
+[[gnu::always_inline]] inline U8 every_nth(const uint8_t *p) {
+    U8 wanted, b, c, d;
+    if constexpr (Shift == 1) {
+        load_interleaved2(p, wanted, b);
+    } else {
+        load_interleaved4(p, wanted, b, c, d);
+    }
+    return wanted;
+}
+
+// Copies up to `count` bytes that lie 1 << Shift apart, none or all, in whole vectors.
+template <int Shift>
+[[gnu::always_inline]] inline int copy_spaced_bytes(uint8_t *to, const uint8_t *from, int count) {
+    if (count < kVectorBytes) return 0;
+    for (int i = 0; i < count; i += kVectorBytes) {
+        const int at = i < count - kVectorBytes ? i : count - kVectorBytes;
+        store(to + at, every_nth<Shift>(from + (ptrdiff_t{at} << Shift)));
+    }
+    return count;
+}
+
+// Four pixels of N bytes that lie `spacing` bytes apart; of each, 16 bytes are read, and 16 bytes are written.
+template <int N>
+[[gnu::always_inline]] inline void copy_four_spaced(uint8_t *to, const uint8_t *from, ptrdiff_t spacing) {
+    using U32x4 = Vec<uint32_t, 16>;
+    using U8x16 = Vec<uint8_t, 16>;
+    const U32x4 a = load<U32x4>(from), b = load<U32x4>(from + spacing);
+    const U32x4 c = load<U32x4>(from + 2 * spacing), d = load<U32x4>(from + 3 * spacing);
+    const U32x4 ab = __builtin_shufflevector(a, b, 0, 4, 1, 5), cd = __builtin_shufflevector(c, d, 0, 4, 1, 5);
+    const U32x4 four = __builtin_shufflevector(ab, cd, 0, 1, 4, 5);
+    if constexpr (N == 4) {
+        store(to, four);
+    } else {
+        const U8x16 bytes = (U8x16)four;
+        store(to, __builtin_shufflevector(bytes, bytes, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 15, 15, 15, 15));
+    }
+}
+
+// Copies every (1 << shift)-th pixel. `to` reaches to the next whole vector.
 template <int N>
 [[gnu::always_inline]] inline void copy_spaced(uint8_t *to, const uint8_t *from, int count, int shift) {
     if (shift == 0) {
@@ -176,22 +217,12 @@ template <int N>
     }
     int i = 0;
     if constexpr (N == 1) {
-        switch (shift) {
-            case 1:
-                i = copy_spaced_vectors<1>(to, from, count);
-                break;
-            case 2:
-                i = copy_spaced_vectors<2>(to, from, count);
-                break;
-            case 3:
-                i = copy_spaced_vectors<3>(to, from, count);
-                break;
-            case 4:
-                i = copy_spaced_vectors<4>(to, from, count);
-                break;
-            default:  // a step of the caller's own
-                break;
-        }
+        // The last pixel may be the row's last: its neighbours are not touched.
+        if (shift == 1) i = copy_spaced_bytes<1>(to, from, count - 1);
+        if (shift == 2) i = copy_spaced_bytes<2>(to, from, count - 1);
+    } else if constexpr (N >= 3) {
+        const ptrdiff_t spacing = ptrdiff_t{N} << shift, last = (count - 1) * spacing + N - 16;
+        for (; (i + 3) * spacing <= last; i += 4) copy_four_spaced<N>(to + i * N, from + i * spacing, spacing);
     }
     for (; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
 }
