@@ -135,7 +135,7 @@ extern "C" int32_t qorv_rbuf_get(QORV_RBUF *rbuf, void *dest, int32_t n) {
     copy(dest, rbuf->buf + rd, to_end);
     const int32_t rest = smaller(n - to_end, rbuf->wr);
     const int32_t dropped = to_end < 0 ? -to_end : 0;
-    copy(static_cast<uint8_t *>(dest) + to_end + dropped, rbuf->buf + dropped, rest - dropped);
+    copy(static_cast<uint8_t *>(dest) + (to_end + dropped), rbuf->buf + dropped, rest - dropped);
     rbuf->rd = rest;
     return rest + to_end;
 }
