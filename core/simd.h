@@ -136,6 +136,7 @@ template <int Bits>
 //   max_of_pairs(a, b)                the larger one of each pair of neighbouring unsigned lanes of both, in any order
 //   top_bit_set(a)                    whether it is in any 16-bit lane
 //   sum_lanes(a)                      modulo 2^32
+//   kRowsAtHand, kWideRowsAtHand      rows that addressing modes reach from one pointer, if a row is one vector or more
 
 // ---- End of block metrics ----
 

@@ -121,6 +121,8 @@ template <int A, int B>
 
 // ---- Block metrics ----
 
+constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1;
+
 template <int Bytes>
 using ByteDistances = Vec<uint16_t, Bytes>;
 constexpr int kMaxByteDistances = 128;  // each adds at most 2 x 255 to a 16-bit lane
@@ -140,11 +142,11 @@ constexpr bool kHasSumsAndDifferences = false;
     return (Vec<uint16_t, 16>)vabdq_s16((int16x8_t)a, (int16x8_t)b);
 }
 
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<uint16_t, 16> a) {
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
     return (Vec<uint16_t, 16>)vabsq_s16((int16x8_t)a);
 }
 
-[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<uint32_t, 16> a) {
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
     return (Vec<uint32_t, 16>)vabsq_s32((int32x4_t)a);
 }
 

@@ -107,6 +107,8 @@ template <int A, int B>
 
 // ---- Block metrics ----
 
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
+
 template <int Bytes>
 using ByteDistances = Vec<uint32_t, Bytes>;
 constexpr int kMaxByteDistances = 1 << 20;
@@ -126,13 +128,13 @@ constexpr bool kHasSumsAndDifferences = false;
     return v;
 }
 
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<uint16_t, 16> a) {
-    return abs_difference((Vec<int16_t, 16>)a, Vec<int16_t, 16>{});
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
+    return abs_difference(a, Vec<int16_t, 16>{});
 }
 
-[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<uint32_t, 16> a) {
-    for (int i = 0; i < 4; i++) a[i] = a[i] >> 31 != 0 ? 0 - a[i] : a[i];
-    return a;
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
+    for (int i = 0; i < 4; i++) a[i] = a[i] < 0 ? -a[i] : a[i];
+    return (Vec<uint32_t, 16>)a;
 }
 
 template <class V>

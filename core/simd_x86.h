@@ -234,12 +234,24 @@ template <int Channel>
 
 // ---- Block metrics ----
 
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
+
 template <int Bytes>
-using ByteDistances = Vec<uint64_t, Bytes>;
+using ByteDistances = Vec<int64_t, Bytes>;  // signed, so that the compiler does not make a tree of many sums
 constexpr int kMaxByteDistances = 1 << 20;
 
-[[gnu::always_inline]] inline void add_byte_distances(Vec<uint64_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
-    sum += (Vec<uint64_t, 16>)_mm_sad_epu8((__m128i)a, (__m128i)b);
+// A constant that is loaded, once; the compiler would put it together in a general register, or load it at every use.
+template <class V>
+[[gnu::always_inline]] inline V constant(const V &in_memory) {
+    const V *p = &in_memory;
+    asm("" : "+r"(p));
+    V v = *p;
+    asm("" : "+x"(v));
+    return v;
+}
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    sum += (Vec<int64_t, 16>)_mm_sad_epu8((__m128i)a, (__m128i)b);
 }
 
 // a and b side by side, times 1 and -1, give a - b in 16 bits.
@@ -255,7 +267,7 @@ constexpr int kMaxByteDistances = 1 << 20;
     return (Vec<uint16_t, 16>)_mm_abs_epi16(_mm_subs_epi16((__m128i)a, (__m128i)b));
 }
 
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<uint16_t, 16> a) {
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
     return (Vec<uint16_t, 16>)_mm_abs_epi16((__m128i)a);
 }
 
@@ -268,7 +280,8 @@ constexpr int kMaxByteDistances = 1 << 20;
 }
 
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
-    sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, _mm_set1_epi16(1));
+    static constexpr Vec<int16_t, 16> kOnes = Vec<int16_t, 16>{} + 1;
+    sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, (__m128i)constant(kOnes));
 }
 
 [[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
@@ -285,7 +298,7 @@ constexpr int kMaxByteDistances = 1 << 20;
     return (static_cast<uint32_t>(_mm_movemask_epi8((__m128i)a)) & 0xAAAAAAAA) != 0;
 }
 
-[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<uint32_t, 16> a) {
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
     return (Vec<uint32_t, 16>)_mm_abs_epi32((__m128i)a);
 }
 
@@ -328,50 +341,55 @@ template <int Bytes, class V>
     }
 }
 
-[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint64_t, 16> a) {
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<int64_t, 16> a) {
     return static_cast<uint32_t>(
         _mm_cvtsi128_si32(_mm_add_epi32((__m128i)a, _mm_unpackhi_epi64((__m128i)a, (__m128i)a))));
 }
 
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
     const __m128i odd = _mm_shuffle_epi32((__m128i)a, 0xF5);
-    return sum_lanes((Vec<uint64_t, 16>)_mm_add_epi32((__m128i)a, odd));
+    return sum_lanes((Vec<int64_t, 16>)_mm_add_epi32((__m128i)a, odd));
 }
 
-// The first stage of a horizontal Hadamard transform comes free with the multiply-add of bytes: of rows of `W` bytes
-// that stand twice in a vector, the sums of neighbours in its lower half and their differences in its upper half.
+// The first stage of a horizontal Hadamard transform comes free with the multiply-add of bytes: the sums of neighbours
+// and their differences, from bytes that stand twice in a vector.
 constexpr bool kHasSumsAndDifferences = true;
 
-template <int W, int Bytes>
-[[gnu::always_inline]] inline Vec<uint16_t, Bytes> sums_and_differences(const uint8_t *p, ptrdiff_t stride) {
-    const __m128i sums = _mm_set1_epi16(0x0101), differences = _mm_set1_epi16(static_cast<int16_t>(0xFF01));
+// Rows of `Width` bytes, two if they are half a vector: the sums are in the lower half of the lanes and the differences
+// in the upper one, or, with 4 bytes, both in each half.
+template <int Width, int Bytes>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> sums_and_differences(const uint8_t *row, const uint8_t *next) {
 #if defined(QORV_ISA_IS_v3)
     if constexpr (Bytes == 32) {
+        static constexpr Vec<int8_t, 32> kSigns = {1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,
+                                                   1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1};
         __m256i rows;
-        if constexpr (W == 16) {
-            rows = every_lane((__m128i)load<Vec<uint8_t, 16>>(p));
+        if constexpr (Width == 16) {
+            rows = every_lane((__m128i)load<Vec<uint8_t, 16>>(row));
         } else {
-            rows = _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(p)),
-                                      _mm256_set1_epi64x(load<int64_t>(p + stride)), 0xCC);
+            rows = _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(row)), _mm256_set1_epi64x(load<int64_t>(next)),
+                                      0xCC);
         }
-        return (Vec<uint16_t, 32>)_mm256_maddubs_epi16(rows, _mm256_setr_m128i(sums, differences));
+        return (Vec<int16_t, 32>)_mm256_maddubs_epi16(rows, (__m256i)constant(kSigns));
     } else
 #endif
-    {
-        __m128i rows;
-        if constexpr (W == 8) {
-            rows = _mm_set1_epi64x(load<int64_t>(p));
-        } else {
-            rows = _mm_blend_epi16(_mm_set1_epi32(load<int32_t>(p)), _mm_set1_epi32(load<int32_t>(p + stride)), 0xCC);
-        }
-        return (Vec<uint16_t, 16>)_mm_maddubs_epi16(rows, _mm_unpacklo_epi64(sums, differences));
+        if constexpr (Width == 8) {
+        static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, 1, 1, 1, 1, -1, 1, -1, 1, -1, 1, -1};
+        const __m128d rows = _mm_loaddup_pd(reinterpret_cast<const double *>(row));
+        return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
+    } else {
+        static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, -1, 1, -1, 1, 1, 1, 1, 1, -1, 1, -1};
+        __m128i first = _mm_cvtsi32_si128(load<int32_t>(row)), second = _mm_cvtsi32_si128(load<int32_t>(next));
+        asm("" : "+x"(first), "+x"(second));  // or the compiler makes several insertions of this one shuffle
+        const __m128 rows = _mm_shuffle_ps((__m128)first, (__m128)second, 0);
+        return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
     }
 }
 
 #if defined(QORV_ISA_IS_v3)
 
-[[gnu::always_inline]] inline void add_byte_distances(Vec<uint64_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
-    sum += (Vec<uint64_t, 32>)_mm256_sad_epu8((__m256i)a, (__m256i)b);
+[[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
+    sum += (Vec<int64_t, 32>)_mm256_sad_epu8((__m256i)a, (__m256i)b);
 }
 
 [[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
@@ -386,7 +404,7 @@ template <int W, int Bytes>
     return (Vec<uint16_t, 32>)_mm256_abs_epi16(_mm256_subs_epi16((__m256i)a, (__m256i)b));
 }
 
-[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_lanes(Vec<uint16_t, 32> a) {
+[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_lanes(Vec<int16_t, 32> a) {
     return (Vec<uint16_t, 32>)_mm256_abs_epi16((__m256i)a);
 }
 
@@ -399,7 +417,8 @@ template <int W, int Bytes>
 }
 
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 32> &sum, Vec<uint16_t, 32> a) {
-    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, _mm256_set1_epi16(1));
+    static constexpr Vec<int16_t, 32> kOnes = Vec<int16_t, 32>{} + 1;
+    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, (__m256i)constant(kOnes));
 }
 
 [[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 32> &sum, Vec<uint16_t, 32> a) {
@@ -425,8 +444,8 @@ template <class V>
     return (V)_mm_add_epi32(_mm256_castsi256_si128(a), _mm256_extracti128_si256(a, 1));
 }
 
-[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint64_t, 32> a) {
-    return sum_lanes(add_halves<Vec<uint64_t, 16>>((__m256i)a));
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<int64_t, 32> a) {
+    return sum_lanes(add_halves<Vec<int64_t, 16>>((__m256i)a));
 }
 
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 32> a) {

@@ -24,129 +24,155 @@ struct Choice<false, A, B> {
 template <bool Condition, class A, class B>
 using IfElse = typename Choice<Condition, A, B>::type;
 
-template <class T>
-[[gnu::always_inline]] inline T load_word(const void *p) {
-    T word;
-    memcpy(&word, p, sizeof word);
-    return word;
-}
-
-// `Rows` words, one from each row, and zero in the lanes after them.
-template <class Word, int Rows>
-[[gnu::always_inline]] inline Vec<uint8_t, 16> load_column(const uint8_t *p, ptrdiff_t stride) {
-    using V = Vec<Word, 16>;
-    const auto row = [&](int y) __attribute__((always_inline)) {
-        return load_word<Word>(p + y * stride);
-    };
-    if constexpr (Rows == 1) return (Vec<uint8_t, 16>)V{row(0)};
-    if constexpr (Rows == 2) return (Vec<uint8_t, 16>)V{row(0), row(1)};
-    if constexpr (Rows == 4) return (Vec<uint8_t, 16>)V{row(0), row(1), row(2), row(3)};
-    if constexpr (Rows == 8) {
-        return (Vec<uint8_t, 16>)V{row(0), row(1), row(2), row(3), row(4), row(5), row(6), row(7)};
-    }
-}
-
-// `Rows` rows of `Width` bytes side by side in a vector of `Bytes` bytes, with zeros after them.
-template <int Width, int Rows, int Bytes>
-[[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_bytes(const uint8_t *p, ptrdiff_t stride) {
-    static_assert(Width * Rows <= Bytes);
-    if constexpr (Width == Bytes) {
-        return load<Vec<uint8_t, Bytes>>(p);
-    } else if constexpr (Bytes == 32) {
-        static_assert(Width == 16);
-        using Half = Vec<uint8_t, Bytes / 2>;
-        return join(load<Half>(p), Rows == 2 ? load<Half>(p + stride) : Half{});
-    } else if constexpr (Width == 8) {
-        return load_column<uint64_t, Rows>(p, stride);
-    } else if constexpr (Width == 4) {
-        return load_column<uint32_t, Rows>(p, stride);
-    } else if constexpr (Width == 2) {
-        return load_column<uint16_t, Rows>(p, stride);
-    } else {
-        return load_column<uint8_t, Rows>(p, stride);
-    }
-}
-
-// `Rows` rows of `Width` samples in 16-bit lanes in the same way. Strides are in samples.
-template <int Width, int Rows, int Bytes>
-[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_samples(const int16_t *p, ptrdiff_t stride) {
-    return (Vec<int16_t, Bytes>)load_bytes<2 * Width, Rows, Bytes>(reinterpret_cast<const uint8_t *>(p), 2 * stride);
-}
-
-template <int Width, int Rows, int Bytes>
-[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_samples(const uint16_t *p, ptrdiff_t stride) {
-    return load_samples<Width, Rows, Bytes>(reinterpret_cast<const int16_t *>(p), stride);
-}
-
-template <int Width, int Rows, int Bytes>
-[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_samples(const uint8_t *p, ptrdiff_t stride) {
-    if constexpr (2 * Width == Bytes) {
-        return load_widened<Bytes>(p);
-    } else {
-        return widen_low(load_bytes<Width, Rows, 16>(p, stride));
-    }
-}
-
 constexpr int smaller(int a, int b) {
     return a < b ? a : b;
 }
 
-// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, kStep rows at a time, which
-// are at most `Vectors` vectors where a row is not more than that already.
-template <int Width, int Lanes, int Vectors>
-struct Shape {
-    static constexpr int kColumns = smaller(Width, Lanes);
-    static constexpr int kRows = smaller(Lanes / kColumns, 8);
-    static constexpr int kAcross = Width / kColumns;
-    static constexpr int kStep = smaller(Vectors / kAcross > 1 ? Vectors / kAcross * kRows : kRows, 8);
+// The rows of a block, four at hand: multiples of 0 to 3 strides are what addressing modes and one register are made
+// for.
+template <class T>
+class Rows {
+public:
+    [[gnu::always_inline]] Rows(T *first, ptrdiff_t stride_in_samples)
+        : first_(first), stride_(stride_in_samples * static_cast<ptrdiff_t>(sizeof(T))) {}
+    [[gnu::always_inline]] T *at(int y, int x = 0) const {
+        return reinterpret_cast<T *>(reinterpret_cast<uintptr_t>(first_) + static_cast<uintptr_t>(y * stride_)) + x;
+    }
+    // Hides where the pointer comes from; the compiler would keep an offset for every row of an unrolled loop.
+    [[gnu::always_inline]] void skip(int rows) {
+        first_ = at(rows);
+        asm("" : "+r"(first_));
+    }
+
+private:
+    T *first_;
+    ptrdiff_t stride_;
 };
 
-// Hands `Rows` rows of two strips to metric.add(k, a, b), vector by vector, k counting the vectors.
-template <int Width, int Rows, class Metric, class A, class B>
-[[gnu::always_inline]] inline void add_rows(Metric &metric, const A *a, const B *b, ptrdiff_t stride_a,
-                                            ptrdiff_t stride_b) {
-    using S = typename Metric::S;
-    constexpr int kRows = smaller(S::kRows, Rows);
-    unrolled<Rows / kRows * S::kAcross>([&](int k) __attribute__((always_inline)) {
-        const int y = k / S::kAcross * kRows, x = k % S::kAcross * S::kColumns;
-        metric.add(k, Metric::template load<S::kColumns, kRows>(a + y * stride_a + x, stride_a),
-                   Metric::template load<S::kColumns, kRows>(b + y * stride_b + x, stride_b));
-    });
-    metric.end_step();
+// `Count` words, one from each row, and zero in the lanes after them.
+template <class Word, int Count, class T>
+[[gnu::always_inline]] inline Vec<uint8_t, 16> load_column(const Rows<T> &rows, int y, int x) {
+    using V = Vec<Word, 16>;
+    const auto word = [&](int i) __attribute__((always_inline)) {
+        Word value;
+        memcpy(&value, rows.at(y + i, x), sizeof value);
+        return value;
+    };
+    if constexpr (Count == 1) return (Vec<uint8_t, 16>)V{word(0)};
+    if constexpr (Count == 2) return (Vec<uint8_t, 16>)V{word(0), word(1)};
+    if constexpr (Count == 4) return (Vec<uint8_t, 16>)V{word(0), word(1), word(2), word(3)};
 }
 
-// Walks `rows` rows of two strips, `Rows` rows a step and the rest in halves of that.
-template <int Width, int Rows, class Metric, class A, class B>
-[[gnu::always_inline]] inline void walk(Metric &metric, const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
-                                        int32_t rows) {
-    for (; rows >= Rows; rows -= Rows) {
-        add_rows<Width, Rows>(metric, a, b, stride_a, stride_b);
-        a += Rows * stride_a;
-        b += Rows * stride_b;
+// `Count` rows of `Width` bytes, from the one at x, y on, side by side in a vector of `Bytes` bytes, with zeros after
+// them.
+template <int Width, int Count, int Bytes, class T>
+[[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_bytes(const Rows<T> &rows, int y, int x) {
+    static_assert(Width * Count <= Bytes);
+    if constexpr (Width == Bytes) {
+        return load<Vec<uint8_t, Bytes>>(rows.at(y, x));
+    } else if constexpr (Bytes == 32) {
+        static_assert(Width == 16);
+        using Half = Vec<uint8_t, Bytes / 2>;
+        return join(load<Half>(rows.at(y, x)), Count == 2 ? load<Half>(rows.at(y + 1, x)) : Half{});
+    } else if constexpr (Width == 8) {
+        return load_column<uint64_t, Count>(rows, y, x);
+    } else if constexpr (Width == 4) {
+        return load_column<uint32_t, Count>(rows, y, x);
+    } else if constexpr (Width == 2) {
+        return load_column<uint16_t, Count>(rows, y, x);
+    } else {
+        return load_column<uint8_t, Count>(rows, y, x);
     }
-    if constexpr (Rows > 1) walk<Width, Rows / 2>(metric, a, b, stride_a, stride_b, rows);
 }
 
-template <int Width, class Metric, class A, class B>
-[[gnu::always_inline]] inline void walk_strip(Metric &metric, const A *a, const B *b, ptrdiff_t stride_a,
-                                              ptrdiff_t stride_b, int32_t rows) {
-    walk<Width, Metric::S::kStep>(metric, a, b, stride_a, stride_b, rows);
+// `Count` rows of `Width` samples in 16-bit lanes in the same way.
+template <int Width, int Count, int Bytes, class T>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_samples(const Rows<T> &rows, int y, int x) {
+    if constexpr (sizeof(T) == 2) {
+        return (Vec<int16_t, Bytes>)load_bytes<2 * Width, Count, Bytes>(rows, y, x);
+    } else if constexpr (2 * Width == Bytes) {
+        return load_widened<Bytes>(rows.at(y, x));
+    } else {
+        return widen_low(load_bytes<Width, Count, 16>(rows, y, x));
+    }
+}
+
+template <int Value>
+struct Constant {
+    static constexpr int value = Value;
+};
+
+// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples.
+template <int Width, int Lanes>
+struct Shape {
+    static constexpr int kColumns = smaller(Width, Lanes);
+    static constexpr int kRows = smaller(Lanes / kColumns, 4);
+    static constexpr int kAcross = Width / kColumns;
+    // Rows of a step of at most `Vectors` vectors, where a row is not more than that already.
+    static constexpr int rows_of(int vectors) { return vectors > kAcross ? vectors / kAcross * kRows : 1; }
+};
+
+// f(Constant<rows>, y, vector) for `Count` rows, a vector's rows at a time, y counting rows within those at hand and
+// vector the vectors of the step; skip(n) after n rows.
+template <class S, int Count, class F, class Skip>
+[[gnu::always_inline]] inline void for_each_row(F f, Skip skip) {
+    constexpr int kMost = S::kAcross == 1 ? kRowsAtHand : kWideRowsAtHand;
+    constexpr int kRows = smaller(S::kRows, Count), kAtHand = smaller(kMost > kRows ? kMost : kRows, Count);
+    unrolled<Count / kRows>([&](int i) __attribute__((always_inline)) {
+        const int y = i * kRows % kAtHand;
+        f(Constant<kRows>{}, y, i * S::kAcross);
+        if (y + kRows == kAtHand) skip(kAtHand);
+    });
+}
+
+// Walks `rows` rows of two strips, `Step` rows a step and the rest in smaller steps. A step hands its vectors to
+// metric.add(k, a, b), k counting them, and their number to metric.end_step().
+template <int Step, class Metric, class A, class B>
+[[gnu::always_inline]] inline void walk(Metric &metric, Rows<A> &a, Rows<B> &b, int32_t rows) {
+    using S = typename Metric::S;
+    for (; rows >= Step; rows -= Step) {
+        const auto add = [&](auto together, int y, int first) __attribute__((always_inline)) {
+            unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
+                metric.add(first + i, Metric::template load<S::kColumns, together.value>(a, y, i * S::kColumns),
+                           Metric::template load<S::kColumns, together.value>(b, y, i * S::kColumns));
+            });
+        };
+        for_each_row<S, Step>(
+            add, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n); });
+        metric.end_step(Step / smaller(S::kRows, Step) * S::kAcross);
+    }
+    if constexpr (Step > 1) walk<Step / 2>(metric, a, b, rows);
 }
 
 // The widest strip, and the most rows of a strip that a metric's lanes have to hold.
 constexpr int kMaxStrip = 64;
 constexpr int kMaxRows = 64;
 
-template <int Width>
-struct Columns {
-    static constexpr int value = Width;
-};
-
-// Cuts `width` columns into strips of powers of two: f(Columns<W>, x) for each, x being its first column.
+// Cuts `width` columns into strips of powers of two: f(Constant<W>, x) for each, x being its first column.
 template <int Width = kMaxStrip, class F>
 [[gnu::always_inline]] inline void for_each_strip(int32_t width, F f, ptrdiff_t x = 0) {
-    for (; width >= Width; width -= Width, x += Width) f(Columns<Width>{}, x);
+    for (; width >= Width; width -= Width, x += Width) f(Constant<Width>{}, x);
     if constexpr (Width > 1) for_each_strip<Width / 2>(width, f, x);
+}
+
+// Cuts `height` rows into bands that a metric's lanes hold: f(y, rows) for each.
+template <class F>
+[[gnu::always_inline]] inline void for_each_band(int32_t height, F f) {
+    for (ptrdiff_t y = 0; y < height; y += kMaxRows) {
+        f(y, height - y < kMaxRows ? static_cast<int32_t>(height - y) : kMaxRows);
+    }
+}
+
+// f(Constant<W>) if the area is one of the square blocks that are asked for the most.
+template <class F>
+[[gnu::always_inline]] inline bool for_common_square(int32_t w, int32_t h, F f) {
+    if (w != h) return false;
+    if (w == 16) return f(Constant<16>{}), true;
+    if (w == 8) return f(Constant<8>{}), true;
+    if (w == 32) return f(Constant<32>{}), true;
+    if (w == 64) return f(Constant<64>{}), true;
+    if (w == 4) return f(Constant<4>{}), true;
+    return false;
 }
 
 }  // namespace qorv::QORV_ISA

@@ -27,78 +27,101 @@ struct Span {
     [[gnu::always_inline]] bool overlaps(Span other) const { return begin < other.end && other.begin < end; }
 };
 
-// Stores the first `Rows` rows of `Width` lanes of a vector.
-template <int Width, int Rows, class V>
-[[gnu::always_inline]] inline void store_rows(int16_t *out, ptrdiff_t stride, V v) {
+// Stores the first `Count` rows of `Width` lanes of a vector.
+template <int Width, int Count, class V>
+[[gnu::always_inline]] inline void store_rows(const Rows<int16_t> &out, int y, int x, V v) {
     if constexpr (2 * Width == sizeof v) {
-        store(out, v);
+        store(out.at(y, x), v);
     } else {
-        unrolled<Rows>([&](int y) __attribute__((always_inline)) {
-            if constexpr (Width == 4) store(out + y * stride, (((Vec<uint64_t, sizeof v>)v)[y]));
-            if constexpr (Width == 2) store(out + y * stride, (((Vec<uint32_t, sizeof v>)v)[y]));
-            if constexpr (Width == 1) store(out + y * stride, v[y]);
+        unrolled<Count>([&](int i) __attribute__((always_inline)) {
+            if constexpr (Width == 4) store(out.at(y + i, x), ((Vec<uint64_t, sizeof v>)v)[i]);
+            if constexpr (Width == 2) store(out.at(y + i, x), ((Vec<uint32_t, sizeof v>)v)[i]);
+            if constexpr (Width == 1) store(out.at(y + i, x), v[i]);
         });
     }
 }
 
-// `Rows` rows of a strip.
-template <int Width, int Rows, class A, class B>
-[[gnu::always_inline]] inline void diff_rows(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
-                                             ptrdiff_t stride_out, int16_t *out) {
+// Walks `rows` rows of a strip, `Step` rows a step and the rest in smaller steps. The vectors of a row are stored
+// together, so that a machine with instructions for pairs of them can use those.
+template <int Width, int Step, class A, class B>
+[[gnu::always_inline]] inline void diff_strip(Rows<A> &a, Rows<B> &b, Rows<int16_t> &out, int32_t rows) {
     constexpr int kBytes = Width < 16 ? 16 : kVectorBytes;
-    using S = Shape<Width, kBytes / 2, 4>;
-    constexpr int kRows = smaller(S::kRows, Rows);
-    unrolled<Rows / kRows * S::kAcross>([&](int k) __attribute__((always_inline)) {
-        const int y = k / S::kAcross * kRows, x = k % S::kAcross * S::kColumns;
-        const auto va = load_samples<S::kColumns, kRows, kBytes>(a + y * stride_a + x, stride_a);
-        const auto vb = load_samples<S::kColumns, kRows, kBytes>(b + y * stride_b + x, stride_b);
-        using Lanes = Vec<uint16_t, kBytes>;
-        store_rows<S::kColumns, kRows>(out + y * stride_out + x, stride_out, (Lanes)va - (Lanes)vb);
-    });
-}
-
-template <int Width, int Rows = Shape<Width, Width<16 ? 8 : kVectorBytes / 2, 4>::kStep, class A,
-                                      class B> [[gnu::always_inline]] inline void
-                         diff_strip(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
-                                    ptrdiff_t stride_out, int16_t *out, int32_t rows) {
-    for (; rows >= Rows; rows -= Rows) {
-        diff_rows<Width, Rows>(a, b, stride_a, stride_b, stride_out, out);
-        a += Rows * stride_a;
-        b += Rows * stride_b;
-        out += Rows * stride_out;
+    using S = Shape<Width, kBytes / 2>;
+    using Lanes = Vec<uint16_t, kBytes>;
+    const auto subtract = [&](auto together, int y, int) __attribute__((always_inline)) {
+        Lanes d[S::kAcross];
+        unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
+            d[i] = (Lanes)load_samples<S::kColumns, together.value, kBytes>(a, y, i * S::kColumns) -
+                   (Lanes)load_samples<S::kColumns, together.value, kBytes>(b, y, i * S::kColumns);
+        });
+        unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
+            store_rows<S::kColumns, together.value>(out, y, i * S::kColumns, d[i]);
+        });
+    };
+    for (; rows >= Step; rows -= Step) {
+        for_each_row<S, Step>(
+            subtract, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n), out.skip(n); });
     }
-    if constexpr (Rows > 1) diff_strip<Width, Rows / 2>(a, b, stride_a, stride_b, stride_out, out, rows);
+    if constexpr (Step > 1) diff_strip<Width, Step / 2>(a, b, out, rows);
 }
 
-template <int Width, int Height, class A, class B>
-void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out, int16_t *out) {
-    const Span written(out, Width, Height, stride_out);
-    if (written.overlaps(Span(a, Width, Height, stride_a)) || written.overlaps(Span(b, Width, Height, stride_b))) {
-        return diff_in_order(Width, Height, a, b, stride_a, stride_b, stride_out, out);
-    }
-    diff_strip<Width>(a, b, stride_a, stride_b, stride_out, out, Height);
+template <int Width, int Step, class A, class B>
+[[gnu::always_inline]] inline void diff_strip_of(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
+                                                 ptrdiff_t stride_out, int16_t *out, int32_t rows) {
+    Rows<const A> rows_a(a, stride_a);
+    Rows<const B> rows_b(b, stride_b);
+    Rows<int16_t> rows_out(out, stride_out);
+    diff_strip<Width, Step>(rows_a, rows_b, rows_out, rows);
 }
 
-template <class T>
-void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
-               int16_t *out) {
-    if (w < 1 || h < 1) return;
+template <class A, class B>
+[[gnu::noinline]] void diff_of_strips(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
+                                      int32_t stride_out, int16_t *out) {
     // Rows of the output that overlap each other are written in order, too.
     const bool rows_overlap = h > 1 && stride_out < w && stride_out > -w;
     const Span written(out, w, h, stride_out);
     if (rows_overlap || written.overlaps(Span(a, w, h, stride_a)) || written.overlaps(Span(b, w, h, stride_b))) {
         return diff_in_order(w, h, a, b, stride_a, stride_b, stride_out, out);
     }
-    for (; h > 0; h -= kMaxRows) {
-        const int32_t rows = h < kMaxRows ? h : kMaxRows;
-        for_each_strip(
-            w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
-                diff_strip<columns.value>(a + x, b + x, stride_a, stride_b, stride_out, out + x, rows);
-            });
-        a += ptrdiff_t{kMaxRows} * stride_a;
-        b += ptrdiff_t{kMaxRows} * stride_b;
-        out += ptrdiff_t{kMaxRows} * stride_out;
+    for_each_band(
+        h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
+            for_each_strip(
+                w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
+                    diff_strip_of<columns.value, 4>(a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b,
+                                                    stride_out, out + y * stride_out + x, rows);
+                });
+        });
+}
+
+// Whether two blocks that run upwards in memory are surely apart: neither begins within the bytes that the other one's
+// rows take at the most. Cheap, where the exact answer takes a good part of the time of a small block.
+[[gnu::always_inline]] inline bool surely_apart(const void *p, ptrdiff_t p_bytes, const void *q, ptrdiff_t q_bytes) {
+    const uintptr_t from_q = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(q);
+    return from_q + static_cast<uintptr_t>(p_bytes) >= static_cast<uintptr_t>(p_bytes + q_bytes);
+}
+
+template <int Width, int Height, class A, class B>
+void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out, int16_t *out) {
+    const auto most_bytes = [](ptrdiff_t stride, size_t sample) __attribute__((always_inline)) {
+        return (Height * stride + Width) * static_cast<ptrdiff_t>(sample);
+    };
+    const ptrdiff_t written = most_bytes(stride_out, sizeof *out);
+    if ((stride_a | stride_b | stride_out) < 0 || !surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) ||
+        !surely_apart(out, written, b, most_bytes(stride_b, sizeof *b))) {
+        return diff_of_strips(Width, Height, a, b, stride_a, stride_b, stride_out, out);
     }
+    constexpr int kStep = Width <= 16 ? smaller(Height, 16) : 4;
+    diff_strip_of<Width, kStep>(a, b, stride_a, stride_b, stride_out, out, Height);
+}
+
+template <class T>
+void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+               int16_t *out) {
+    const auto square = [&](auto side) __attribute__((always_inline)) {
+        block_diff<side.value, side.value>(a, b, stride_a, stride_b, stride_out, out);
+    };
+    if (for_common_square(w, h, square) || w < 1 || h < 1) return;
+    diff_of_strips(w, h, a, b, stride_a, stride_b, stride_out, out);
 }
 
 }  // namespace qorv::QORV_ISA

@@ -7,12 +7,16 @@
 #define QORV_TINY_SIZES(X, suffix, A, B) \
     X(2, 2, suffix, A, B) X(2, 4, suffix, A, B) X(4, 2, suffix, A, B) X(4, 4, suffix, A, B)
 
-#define QORV_INTER_SIZES(X, suffix, A, B)                                                               \
-    X(4, 8, suffix, A, B)                                                                               \
-    X(8, 4, suffix, A, B)                                                                               \
-    X(8, 8, suffix, A, B) X(8, 16, suffix, A, B) X(16, 8, suffix, A, B) X(16, 16, suffix, A, B)         \
-        X(16, 32, suffix, A, B) X(32, 16, suffix, A, B) X(32, 32, suffix, A, B) X(32, 64, suffix, A, B) \
-            X(64, 32, suffix, A, B) X(64, 64, suffix, A, B)
+#define QORV_INTER_SIZES(X, suffix, A, B) \
+    X(4, 8, suffix, A, B)                 \
+    X(8, 4, suffix, A, B)                 \
+    X(8, 8, suffix, A, B)                 \
+    X(8, 16, suffix, A, B)                \
+    X(16, 8, suffix, A, B)                \
+    X(16, 16, suffix, A, B)               \
+    X(16, 32, suffix, A, B)               \
+    X(32, 16, suffix, A, B)               \
+    X(32, 32, suffix, A, B) X(32, 64, suffix, A, B) X(64, 32, suffix, A, B) X(64, 64, suffix, A, B)
 
 #define QORV_SAD_BLOCKS(X)                     \
     QORV_TINY_SIZES(X, , uint8_t, uint8_t)     \

@@ -8,7 +8,7 @@
 namespace qorv::QORV_ISA {
 
 constinit const MetricKernels metric_kernels = {
-#define QORV_SAD(w, h, suffix, A, B) .sad##w##x##h##suffix = block_sad<w, h, A, B>,
+#define QORV_SAD(w, h, suffix, A, B) .sad##w##x##h##suffix = block_sum<false, w, h, A, B>,
 #define QORV_DIFF(w, h, suffix, A, B) .diff##w##x##h##suffix = block_diff<w, h, A, B>,
 #define QORV_SATD(w, h, suffix, A, B) .satd##w##x##h##suffix = satd##w##x##h<A, B>,
     QORV_SAD_BLOCKS(QORV_SAD) QORV_DIFF_BLOCKS(QORV_DIFF) QORV_SATD_BLOCKS(QORV_SATD).sad = area_sum<false, uint8_t>,

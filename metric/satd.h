@@ -40,11 +40,12 @@ template <int Bytes, int N, class V>
 // The last stage, between neighbouring lanes, added up: half the sum of all magnitudes. 16-bit lanes reach 2^15 - 1
 // here at the most; `Small` says that four times as much stays below 2^15.
 template <bool Small, int N, class Sum, class V>
-[[gnu::always_inline]] inline void add_half_magnitudes(Sum &sum, V (&v)[N]) {
-    V all = {};
+[[gnu::always_inline]] inline void add_half_magnitudes(Sum &sum, const V (&v)[N]) {
+    using Half = decltype(max_of_pairs(abs_lanes(v[0]), abs_lanes(v[1])));
+    Half all = {};
     unrolled<N / 2>([&](int i) __attribute__((always_inline)) {
-        const V half = max_of_pairs(abs_lanes(v[2 * i]), abs_lanes(v[2 * i + 1]));
-        if constexpr (sizeof(Sum) == sizeof(V) && sizeof sum[0] == sizeof v[0][0]) {
+        const Half half = max_of_pairs(abs_lanes(v[2 * i]), abs_lanes(v[2 * i + 1]));
+        if constexpr (sizeof half[0] == sizeof sum[0]) {
             sum += half;
         } else if constexpr (Small) {
             all = i == 0 ? half : all + half;
@@ -55,41 +56,43 @@ template <bool Small, int N, class Sum, class V>
     if constexpr (Small) add_pairs(sum, all);
 }
 
-// The residual of `N` vectors, each of as many rows of `Width` columns as its 16-bit lanes hold, modulo 2^16. Of bytes,
-// where the machine has it for nothing, with the horizontal stage between neighbours done.
+// A residual is taken in `N` vectors, each of as many rows of `Width` columns as its 16-bit lanes hold. Of bytes, where
+// the machine has it for nothing, with the horizontal stage between neighbours done.
 template <class A, class B>
 constexpr bool kFirstStageDone = kHasSumsAndDifferences && sizeof(A) + sizeof(B) == 2;
 
-template <int Width, int Bytes, int N, class A, class B>
-[[gnu::always_inline]] inline void load_residual(Vec<uint16_t, Bytes> (&v)[N], const A *a, const B *b,
-                                                 ptrdiff_t stride_a, ptrdiff_t stride_b) {
-    constexpr int kRows = Bytes / 2 / Width;
+// Lanes modulo 2^16. They are signed so that the compiler does not reorder the sums and lose what they have in common.
+template <int Width, int N, class V, class A, class B>
+[[gnu::always_inline]] inline void load_residual(V (&v)[N], Rows<A> &a, Rows<B> &b) {
+    constexpr int kBytes = sizeof(V);
+    using Unsigned = Vec<uint16_t, kBytes>;
+    constexpr int kRows = kBytes / 2 / Width, kAtHand = kRowsAtHand > kRows ? kRowsAtHand : kRows;
     unrolled<N>([&](int i) __attribute__((always_inline)) {
-        const A *row_a = a + i * kRows * stride_a;
-        const B *row_b = b + i * kRows * stride_b;
+        const int y = i * kRows % kAtHand;
         if constexpr (kFirstStageDone<A, B>) {
-            v[i] = sums_and_differences<Width, Bytes>(row_a, stride_a) -
-                   sums_and_differences<Width, Bytes>(row_b, stride_b);
+            v[i] = sums_and_differences<Width, kBytes>(a.at(y), a.at(y + 1)) -
+                   sums_and_differences<Width, kBytes>(b.at(y), b.at(y + 1));
         } else {
-            v[i] = (Vec<uint16_t, Bytes>)load_samples<Width, kRows, Bytes>(row_a, stride_a) -
-                   (Vec<uint16_t, Bytes>)load_samples<Width, kRows, Bytes>(row_b, stride_b);
+            v[i] = (V)((Unsigned)load_samples<Width, kRows, kBytes>(a, y, 0) -
+                       (Unsigned)load_samples<Width, kRows, kBytes>(b, y, 0));
         }
+        if (y + kRows == kAtHand) a.skip(kAtHand), b.skip(kAtHand);
     });
 }
 
 // True when a residual is beyond -Limit..Limit, Limit being 2^n - 1.
-template <int Limit, int N, class V>
-[[gnu::always_inline]] inline bool exceeds(const V (&v)[N], V more = V{}) {
+template <int Limit, int N, class V, class Unsigned>
+[[gnu::always_inline]] inline bool exceeds(const V (&v)[N], Unsigned more) {
     static_assert((Limit & (Limit + 1)) == 0);
     unrolled<N>([&](int i) __attribute__((always_inline)) { more |= abs_lanes(v[i]); });
-    return top_bit_set(add_saturated(more, splat<V>(INT16_MAX - Limit)));
+    return top_bit_set(add_saturated(more, splat<Unsigned>(INT16_MAX - Limit)));
 }
 
 // Half the sum of all magnitudes of the transform of Size x Size residuals, exact for residuals of 25 bits.
 template <int Size>
 uint32_t exact_hadamard(const int32_t *residual) {
-    Vec<uint32_t, 16> v[Size * Size / 4];
-    for (int i = 0; i < Size * Size / 4; i++) v[i] = load<Vec<uint32_t, 16>>(residual + 4 * i);
+    Vec<int32_t, 16> v[Size * Size / 4];
+    for (int i = 0; i < Size * Size / 4; i++) v[i] = load<Vec<int32_t, 16>>(residual + 4 * i);
     Vec<uint32_t, 16> sum = {};
     transform_vectors(v);
     transform_groups<8>(v);
@@ -112,70 +115,108 @@ template <class A, class B>
 }
 
 // A tile in two vectors of two rows.
-template <class A, class B>
-uint32_t satd4x4(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
-    Vec<uint16_t, 16> v[2];
-    load_residual<4, 16>(v, a, b, ptrdiff_t{stride_a}, ptrdiff_t{stride_b});
-    if constexpr (sizeof(A) + sizeof(B) > 2) {
-        if (exceeds<kMaxResidual4x4>(v)) return exact_satd4x4(a, b, stride_a, stride_b);
-    }
+template <bool FirstStageDone>
+[[gnu::always_inline]] inline uint32_t tile_sum(Vec<int16_t, 16> (&v)[2]) {
     transform_vectors(v);
-    if constexpr (!kFirstStageDone<A, B>) transform_groups<8>(v);
-    transform_groups<4>(v);
+    transform_groups<8>(v);
+    if constexpr (!FirstStageDone) transform_groups<4>(v);
     Vec<uint32_t, 16> sum = {};
     add_half_magnitudes<true>(sum, v);
     return sum_lanes(sum);
 }
 
-inline uint32_t hadamard4x4(const int16_t *residual) {
-    // The residual against a block of zeros that has no rows.
-    static constexpr int16_t kZero[4] = {};
-    return satd4x4(residual, kZero, 4, 0);
+template <class A, class B>
+uint32_t satd4x4(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+    Rows<const A> rows_a(a, stride_a);
+    Rows<const B> rows_b(b, stride_b);
+    Vec<int16_t, 16> v[2];
+    load_residual<4>(v, rows_a, rows_b);
+    if constexpr (sizeof(A) + sizeof(B) > 2) {
+        if (exceeds<kMaxResidual4x4>(v, Vec<uint16_t, 16>{})) return exact_satd4x4(a, b, stride_a, stride_b);
+    }
+    return tile_sum<kFirstStageDone<A, B>>(v);
 }
 
-// Four rows of a strip that is as wide as a vector of `Bytes` bytes has 16-bit lanes: a tile in each 64 bits.
-template <int Bytes, class Sum, class T>
-[[gnu::always_inline]] inline uint32_t add_tiles(Sum &sum, const T *a, const T *b, ptrdiff_t stride_a,
-                                                 ptrdiff_t stride_b) {
-    constexpr int kColumns = Bytes / 2;
-    Vec<uint16_t, Bytes> v[4];
-    load_residual<kColumns, Bytes>(v, a, b, stride_a, stride_b);
-    if constexpr (sizeof(T) == 2) {
-        if (exceeds<kMaxResidual4x4>(v)) {
-            uint32_t exact = 0;
-            for (int x = 0; x < kColumns; x += 4) exact += exact_satd4x4(a + x, b + x, stride_a, stride_b);
-            return exact;
+inline uint32_t hadamard4x4(const int16_t *residual) {
+    Vec<int16_t, 16> v[2] = {load<Vec<int16_t, 16>>(residual), load<Vec<int16_t, 16>>(residual + 8)};
+    if (!exceeds<kMaxResidual4x4>(v, Vec<uint16_t, 16>{})) return tile_sum<false>(v);
+    // The residual against a block of zeros that has one row.
+    static constexpr int16_t kZero[4] = {};
+    return exact_satd4x4(residual, kZero, 4, 0);
+}
+
+// Adds `rows` rows of tiles of a strip that is as wide as a vector has 16-bit lanes: a tile in each 64 bits.
+// Returns what did not fit into the lanes of the sum.
+template <class Sum, class T>
+[[gnu::always_inline]] inline uint32_t add_strip(Sum &sum, const T *a, const T *b, ptrdiff_t stride_a,
+                                                 ptrdiff_t stride_b, int32_t rows) {
+    constexpr int kBytes = sizeof sum, kColumns = kBytes / 2;
+    Rows<const T> rows_a(a, stride_a), rows_b(b, stride_b);
+    uint32_t exact = 0;
+    for (; rows > 0; rows -= 4) {
+        const T *tile_a = rows_a.at(0), *tile_b = rows_b.at(0);
+        Vec<int16_t, kBytes> v[4];
+        load_residual<kColumns>(v, rows_a, rows_b);
+        if constexpr (sizeof(T) == 2) {
+            if (exceeds<kMaxResidual4x4>(v, Vec<uint16_t, kBytes>{})) {
+                for (int x = 0; x < kColumns; x += 4)
+                    exact += exact_satd4x4(tile_a + x, tile_b + x, stride_a, stride_b);
+                continue;
+            }
         }
+        transform_vectors(v);
+        if constexpr (!kFirstStageDone<const T, const T>) transform_groups<4>(v);
+        add_half_magnitudes<sizeof(T) == 1>(sum, v);
     }
-    transform_vectors(v);
-    if constexpr (!kFirstStageDone<T, T>) transform_groups<4>(v);
-    add_half_magnitudes<sizeof(T) == 1>(sum, v);
-    return 0;
+    return exact;
 }
 
 // Whole tiles, the last ones reaching up to 3 columns and rows beyond the area.
 template <class T>
-uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
-    if (w < 1) return 0;
+[[gnu::noinline]] uint32_t satd_of_strips(int32_t w, int32_t h, const T *a, const T *b, ptrdiff_t stride_a,
+                                          ptrdiff_t stride_b) {
     constexpr int kWide = kVectorBytes / 2;
     uint32_t total = 0;
     Vec<uint32_t, kVectorBytes> wide = {};
     Vec<uint32_t, 16> narrow = {};
-    for (; h > 0; h -= 4, a += ptrdiff_t{4} * stride_a, b += ptrdiff_t{4} * stride_b) {
-        const T *pa = a, *pb = b;
-        int32_t left = w;
-        for (; left > kWide - 4; left -= kWide, pa += kWide, pb += kWide) {
-            total += add_tiles<kVectorBytes>(wide, pa, pb, stride_a, stride_b);
-        }
-        if constexpr (kWide > 8) {
-            if (left > 4) {
-                total += add_tiles<16>(narrow, pa, pb, stride_a, stride_b);
+    for_each_band(
+        h, [&](ptrdiff_t band, int32_t rows) __attribute__((always_inline)) {
+            const T *pa = a + band * stride_a, *pb = b + band * stride_b;
+            int32_t left = w;
+            for (; left > kWide - 4; left -= kWide, pa += kWide, pb += kWide) {
+                total += add_strip(wide, pa, pb, stride_a, stride_b, rows);
+            }
+            if (kWide > 8 && left > 4) {
+                total += add_strip(narrow, pa, pb, stride_a, stride_b, rows);
                 left -= 8, pa += 8, pb += 8;
             }
-        }
-        if (left > 0) total += satd4x4(pa, pb, stride_a, stride_b);
-    }
+            for (ptrdiff_t y = 0; y < rows && left > 0; y += 4) {
+                total += satd4x4(pa + y * stride_a, pb + y * stride_b, static_cast<int32_t>(stride_a),
+                                 static_cast<int32_t>(stride_b));
+            }
+        });
     return total + sum_lanes(wide) + sum_lanes(narrow);
+}
+
+template <int Side, class T>
+[[gnu::noinline]] uint32_t square_satd(const T *a, const T *b, ptrdiff_t stride_a, ptrdiff_t stride_b) {
+    constexpr int kBytes = smaller(2 * Side, kVectorBytes);
+    uint32_t total = 0;
+    Vec<uint32_t, kBytes> sum = {};
+    for (int x = 0; x < Side; x += kBytes / 2) total += add_strip(sum, a + x, b + x, stride_a, stride_b, Side);
+    return total + sum_lanes(sum);
+}
+
+template <class T>
+uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
+    uint32_t total = 0;
+    const auto square = [&](auto side) __attribute__((always_inline)) {
+        constexpr int kSide = side.value;
+        if constexpr (kSide == 4) total = satd4x4(a, b, stride_a, stride_b);
+        if constexpr (kSide > 4) total = square_satd<kSide>(a, b, stride_a, stride_b);
+    };
+    if (for_common_square(w, h, square)) return total;
+    return w < 1 ? 0 : satd_of_strips(w, h, a, b, ptrdiff_t{stride_a}, ptrdiff_t{stride_b});
 }
 
 // ---- 8x8 ----
@@ -195,9 +236,9 @@ constexpr bool kUnsignedWords = sizeof(T) == 2 && T(-1) > 0;
 
 // What exceeds() has to know beside the residual modulo 2^16: the bits of lanes in which that may not be the residual.
 template <class A, class B>
-[[gnu::always_inline]] inline Vec<uint16_t, 16> wrapped(const A *a, const B *b) {
+[[gnu::always_inline]] inline Vec<uint16_t, 16> wrapped(const Rows<A> &a, const Rows<B> &b) {
     using V = Vec<uint16_t, 16>;
-    const V va = (V)load_samples<8, 1, 16>(a, 0), vb = (V)load_samples<8, 1, 16>(b, 0);
+    const V va = (V)load_samples<8, 1, 16>(a, 0, 0), vb = (V)load_samples<8, 1, 16>(b, 0, 0);
     // Of two unsigned samples on the same side of 2^15 the residual is exact. An unsigned one below 2^15 is a signed
     // one, and of two signed ones the distance tells.
     if constexpr (kUnsignedWords<A> && kUnsignedWords<B>) return (va ^ vb) & static_cast<uint16_t>(0x8000);
@@ -206,25 +247,24 @@ template <class A, class B>
 }
 
 template <class A, class B>
-[[gnu::always_inline]] inline bool exceeds8x8(const Vec<uint16_t, 16> (&v)[8], const A *a, const B *b,
-                                              ptrdiff_t stride_a, ptrdiff_t stride_b) {
-    Vec<uint16_t, 16> more = {};
-    unrolled<8>([&](int y) __attribute__((always_inline)) { more |= wrapped(a + y * stride_a, b + y * stride_b); });
-    return exceeds<kMaxResidual8x8>(v, more);
-}
-
-template <class A, class B>
 uint32_t satd8x8(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
-    constexpr bool kSmall = sizeof(A) + sizeof(B) == 2;
-    constexpr int kBytes = kFirstStageDone<A, B> ? kVectorBytes : 16;
-    constexpr int kVectors = 8 * 16 / kBytes;
-    Vec<uint16_t, kBytes> v[kVectors];
-    load_residual<8, kBytes>(v, a, b, ptrdiff_t{stride_a}, ptrdiff_t{stride_b});
+    constexpr bool kSmall = sizeof(A) + sizeof(B) == 2, kFirst = kFirstStageDone<const A, const B>;
+    constexpr int kBytes = kFirst ? kVectorBytes : 16;
+    Rows<const A> rows_a(a, stride_a);
+    Rows<const B> rows_b(b, stride_b);
+    Vec<uint16_t, 16> more = {};
     if constexpr (!kSmall) {
-        if (exceeds8x8<A, B>(v, a, b, stride_a, stride_b)) return exact_satd8x8(a, b, stride_a, stride_b);
+        Rows<const A> wide_a = rows_a;
+        Rows<const B> wide_b = rows_b;
+        for (int y = 0; y < 8; y++, wide_a.skip(1), wide_b.skip(1)) more |= wrapped(wide_a, wide_b);
+    }
+    Vec<int16_t, kBytes> v[8 * 16 / kBytes];
+    load_residual<8>(v, rows_a, rows_b);
+    if constexpr (!kSmall) {
+        if (exceeds<kMaxResidual8x8>(v, more)) return exact_satd8x8(a, b, stride_a, stride_b);
     }
     transform_vectors(v);
-    if constexpr (!kFirstStageDone<A, B> || kBytes == 32) transform_groups<8>(v);
+    if constexpr (!kFirst || kBytes == 32) transform_groups<8>(v);
     transform_groups<4>(v);
     Vec<uint32_t, kBytes> sum = {};
     add_half_magnitudes<kSmall>(sum, v);
