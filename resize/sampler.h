@@ -340,9 +340,9 @@ private:
         if (!present) {
             const uint8_t *source = bytes(row);
             if (strip_.wide) {
-                sample_across<true>(source, buffer);
+                sample_across<true>(strip_, source, buffer);
             } else {
-                sample_across<false>(source, buffer);
+                sample_across<false>(strip_, source, buffer);
             }
         }
         return buffer;
@@ -350,43 +350,46 @@ private:
 
     // The brackets of the vector of groups that begins with slot `slot`.
     template <bool Wide>
-    [[gnu::always_inline]] U16 across(const uint8_t *row, int slot) const {
-        const U8 indices = load<U8>(strip_.indices + slot * 2 * kGroup);
-        const U8 weights = load<U8>(strip_.weights + slot * 2 * kGroup);
-        const U8 window = load_windows(row, strip_.offsets + slot);
+    [[gnu::always_inline]] static U16 across(const Strip &strip, const uint8_t *row, int slot) {
+        const U8 indices = load<U8>(strip.indices + slot * 2 * kGroup);
+        const U8 weights = load<U8>(strip.weights + slot * 2 * kGroup);
+        const U8 window = load_windows(row, strip.offsets + slot);
         if constexpr (Wide) {
-            return weigh_pairs(shuffle(window, load_windows(row + kWindow, strip_.offsets + slot), indices), weights);
+            return weigh_pairs(shuffle(window, load_windows(row + kWindow, strip.offsets + slot), indices), weights);
         } else {
             return weigh_pairs(shuffle(window, indices), weights);
         }
     }
 
+    // In the loops, members stand in locals: for all the compiler knows, a store of bytes may change them.
     template <bool Wide>
-    void sample_across(const uint8_t *row, uint16_t *out) const {
+    static void sample_across(const Strip &strip, const uint8_t *row, uint16_t *out) {
         constexpr int kLanes = kVectorBytes / 16;
-        for (int slot = 0; slot * kGroup < strip_.outputs; slot += kLanes) {
-            store(out + slot * kGroup, across<Wide>(row, slot));
-        }
+        const int slots = strip.outputs / kGroup;
+        for (int slot = 0; slot < slots; slot += kLanes) store(out + slot * kGroup, across<Wide>(strip, row, slot));
     }
 
     template <bool Wide>
     void sample(int from, int to, uint8_t *out) const {
         constexpr int kLanes = kVectorBytes / 16;
+        const Strip &strip = strip_;
+        const uint8_t *const upper = upper_, *const lower = lower_;
         const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
         for (int i = from; i < to; i += kUnit, out += kUnit) {
-            const int slot = i / kGroup;
-            const U16 a = across<Wide>(upper_, slot) * w0 + across<Wide>(lower_, slot) * w1;
-            const U16 b = across<Wide>(upper_, slot + kLanes) * w0 + across<Wide>(lower_, slot + kLanes) * w1;
+            const int slot = i / kGroup, next = slot + kLanes;
+            const U16 a = across<Wide>(strip, upper, slot) * w0 + across<Wide>(strip, lower, slot) * w1;
+            const U16 b = across<Wide>(strip, upper, next) * w0 + across<Wide>(strip, lower, next) * w1;
             store(out, narrow_shifted<6>(a, b));
         }
     }
 
     void blend(int from, int to, uint8_t *out) const {
         constexpr int kHalf = kUnit / 2;
+        const uint16_t *const upper = upper_sums_, *const lower = lower_sums_;
         const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
         for (int i = from; i < to; i += kUnit, out += kUnit) {
-            const U16 a = load<U16>(upper_sums_ + i) * w0 + load<U16>(lower_sums_ + i) * w1;
-            const U16 b = load<U16>(upper_sums_ + i + kHalf) * w0 + load<U16>(lower_sums_ + i + kHalf) * w1;
+            const U16 a = load<U16>(upper + i) * w0 + load<U16>(lower + i) * w1;
+            const U16 b = load<U16>(upper + i + kHalf) * w0 + load<U16>(lower + i + kHalf) * w1;
             store(out, narrow_shifted<6>(a, b));
         }
     }
