@@ -214,6 +214,11 @@ template <int Bytes, class V>
 
 // ---- Bilinear sampling ----
 
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
+    store(p, vzip1q_u16((uint16x8_t)a, (uint16x8_t)b));
+    store(p + 16, vzip2q_u16((uint16x8_t)a, (uint16x8_t)b));
+}
+
 [[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
     return load<U8>(p + offsets[0]);
 }

@@ -205,6 +205,13 @@ template <class V>
 
 // ---- Bilinear sampling ----
 
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
+    for (int i = 0; i < kVectorBytes / 2; i++, p += 4) {
+        const uint16_t pair[2] = {a[i], b[i]};
+        memcpy(p, pair, 4);
+    }
+}
+
 [[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
     return load<U8>(p + offsets[0]);
 }

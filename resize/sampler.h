@@ -221,19 +221,19 @@ template <int N>
         if (shift == 1) i = copy_spaced_bytes<1>(to, from, count - 1);
         if (shift == 2) i = copy_spaced_bytes<2>(to, from, count - 1);
     } else if constexpr (N >= 3) {
-        const ptrdiff_t spacing = ptrdiff_t{N} << shift, last = (count - 1) * spacing + N - 16;
-        for (; (i + 3) * spacing <= last; i += 4) copy_four_spaced<N>(to + i * N, from + i * spacing, spacing);
+        const ptrdiff_t spacing = ptrdiff_t{N} << shift, limit = (count - 4) * spacing + N - 16;
+        for (ptrdiff_t at = 0; at <= limit; at += 4 * spacing, i += 4) {
+            copy_four_spaced<N>(to + i * N, from + at, spacing);
+        }
     }
     for (; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
 }
 
 // 5-6-5 words to four bytes a pixel, the last of no meaning. Both buffers reach to the next whole vector.
 [[gnu::noinline]] inline void widen_565(const uint8_t *words, int count, uint8_t *to) {
-    for (int i = 0; i < count; i += kVectorBytes) {
-        U8 low, high, top, middle, bottom;
-        load_interleaved2(words + 2 * i, low, high);
-        unpack_565(low, high, top, middle, bottom);
-        store_interleaved4(to + 4 * i, top, middle, bottom, bottom);
+    for (int i = 0; i < count; i += kVectorBytes / 2) {
+        const U16 v = load<U16>(words + 2 * i);
+        store_interleaved2(to + 4 * i, (v >> 8 & 0xF8) | (v << 5 & 0xFC00), v << 3);
     }
 }
 
@@ -310,6 +310,7 @@ public:
     }
 
 private:
+    static constexpr int kLanes = kVectorBytes / 16;
     static constexpr int kBufferBytes = (kMaxPixels + kVectorBytes) * Pixel::kSampled;
 
     const uint8_t *row_start(int64_t row) const {
@@ -348,14 +349,15 @@ private:
         return buffer;
     }
 
-    // The brackets of the vector of groups that begins with slot `slot`.
+    // The brackets of a vector of groups; the indices and weights of a group lie 2 kGroup bytes apart.
     template <bool Wide>
-    [[gnu::always_inline]] static U16 across(const Strip &strip, const uint8_t *row, int slot) {
-        const U8 indices = load<U8>(strip.indices + slot * 2 * kGroup);
-        const U8 weights = load<U8>(strip.weights + slot * 2 * kGroup);
-        const U8 window = load_windows(row, strip.offsets + slot);
+    [[gnu::always_inline]] static U16 across(const Strip &strip, const uint8_t *row, const uint16_t *offsets,
+                                             ptrdiff_t at) {
+        const U8 indices = load<U8>(strip.indices + at);
+        const U8 weights = load<U8>(strip.weights + at);
+        const U8 window = load_windows(row, offsets);
         if constexpr (Wide) {
-            return weigh_pairs(shuffle(window, load_windows(row + kWindow, strip.offsets + slot), indices), weights);
+            return weigh_pairs(shuffle(window, load_windows(row + kWindow, offsets), indices), weights);
         } else {
             return weigh_pairs(shuffle(window, indices), weights);
         }
@@ -364,21 +366,24 @@ private:
     // In the loops, members stand in locals: for all the compiler knows, a store of bytes may change them.
     template <bool Wide>
     static void sample_across(const Strip &strip, const uint8_t *row, uint16_t *out) {
-        constexpr int kLanes = kVectorBytes / 16;
-        const int slots = strip.outputs / kGroup;
-        for (int slot = 0; slot < slots; slot += kLanes) store(out + slot * kGroup, across<Wide>(strip, row, slot));
+        const uint16_t *offsets = strip.offsets;
+        const ptrdiff_t end = 2 * strip.outputs;
+        for (ptrdiff_t at = 0; at < end; at += kUnit, offsets += kLanes) {
+            store(out + at / 2, across<Wide>(strip, row, offsets, at));
+        }
     }
 
     template <bool Wide>
     void sample(int from, int to, uint8_t *out) const {
-        constexpr int kLanes = kVectorBytes / 16;
         const Strip &strip = strip_;
         const uint8_t *const upper = upper_, *const lower = lower_;
+        const uint16_t *offsets = strip.offsets + from / kGroup;
         const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
-        for (int i = from; i < to; i += kUnit, out += kUnit) {
-            const int slot = i / kGroup, next = slot + kLanes;
-            const U16 a = across<Wide>(strip, upper, slot) * w0 + across<Wide>(strip, lower, slot) * w1;
-            const U16 b = across<Wide>(strip, upper, next) * w0 + across<Wide>(strip, lower, next) * w1;
+        for (ptrdiff_t at = 2 * from; at < 2 * to; at += 2 * kUnit, offsets += 2 * kLanes, out += kUnit) {
+            const ptrdiff_t next = at + kUnit;
+            const U16 a = across<Wide>(strip, upper, offsets, at) * w0 + across<Wide>(strip, lower, offsets, at) * w1;
+            const U16 b = across<Wide>(strip, upper, offsets + kLanes, next) * w0 +
+                          across<Wide>(strip, lower, offsets + kLanes, next) * w1;
             store(out, narrow_shifted<6>(a, b));
         }
     }
