@@ -229,11 +229,17 @@ template <int N>
     for (; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
 }
 
-// 5-6-5 words to four bytes a pixel, the last of no meaning. Both buffers reach to the next whole vector.
+// 5-6-5 words to four bytes a pixel, the last of no meaning. `to` reaches to the next whole vector.
 [[gnu::noinline]] inline void widen_565(const uint8_t *words, int count, uint8_t *to) {
-    for (int i = 0; i < count; i += kVectorBytes / 2) {
-        const U16 v = load<U16>(words + 2 * i);
-        store_interleaved2(to + 4 * i, (v >> 8 & 0xF8) | (v << 5 & 0xFC00), v << 3);
+    constexpr int kWords = kVectorBytes / 2;
+    uint8_t last[kVectorBytes] = {};
+    for (; count > 0; count -= kWords, words += 2 * kWords, to += 4 * kWords) {
+        if (count < kWords) {
+            memcpy(last, words, static_cast<size_t>(count) * 2);
+            words = last;
+        }
+        const U16 v = load<U16>(words);
+        store_interleaved2(to, (v >> 8 & 0xF8) | (v << 5 & 0xFC00), v << 3);
     }
 }
 
@@ -326,8 +332,12 @@ private:
             if constexpr (Pixel::kMemory == Pixel::kSampled) {
                 collect<Pixel::kMemory>(strip_, row_start(row), buffer);
             } else {
-                uint8_t words[kBufferBytes / 2];
-                collect<2>(strip_, row_start(row), words);
+                uint8_t collected[kBufferBytes / 2];
+                const uint8_t *words = row_start(row) + 2 * strip_.first_pixel;
+                if (strip_.fetch != Fetch::kCompact || strip_.shift != 0) {
+                    collect<2>(strip_, row_start(row), collected);
+                    words = collected;
+                }
                 widen_565(words, strip_.pixels, buffer);
             }
         }
