@@ -21,6 +21,7 @@ inline Error error_at(const std::string &path, uint64_t offset, const std::strin
 void parse_size(const std::string &text, uint32_t &width, uint32_t &height);
 
 // Each adds one command, with its options and help, to the program.
+void add_compare_command(CLI::App &app);
 void add_convert_command(CLI::App &app);
 void add_headers_command(CLI::App &app);
 void add_keyframes_command(CLI::App &app);

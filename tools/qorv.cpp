@@ -14,6 +14,7 @@ int main(int argc, char **argv) {
     app.footer(
         "Run 'qorv COMMAND --help' for the options of a command.\n"
         "Exit codes: 0 success, 1 the work failed (the reason is on standard error), 2 wrong usage.");
+    tool::add_compare_command(app);
     tool::add_convert_command(app);
     tool::add_headers_command(app);
     tool::add_keyframes_command(app);
