@@ -160,7 +160,7 @@ void add_round_trip(const char *who) {
 
 const bench::Registration registration{[] {
     for (int32_t n : {128, 1024, 16384, 1 << 20}) add_byte_fill(n);
-    for (size_t n : {16, 100, 1000, 10000, 1 << 20}) add_word_fill(n);
+    for (size_t n : {size_t{16}, size_t{100}, size_t{1000}, size_t{10000}, size_t{1} << 20}) add_word_fill(n);
     for (const Picture &p : {Picture{1920, 1080, 2048, 1984}, {1920, 1080, 1920, 1920}, {100, 64, 128, 128}}) {
         add_copy("mcpy_pic", p, qorv_mcpy_pic);
     }
