@@ -266,7 +266,7 @@ struct RowPair {
     alignas(kVectorBytes) T row[2][N];
 
     // The place of a row; `present` says whether it is there already. The row that it takes the place of is the upper.
-    T *place(int64_t wanted, bool &present) {
+    [[gnu::always_inline]] T *place(int64_t wanted, bool &present) {
         for (int i = 0; i < 2; i++) {
             if (number[i] == wanted) {
                 present = true;
@@ -344,19 +344,21 @@ private:
         return buffer;
     }
 
-    // A row sampled across, by slot.
-    const uint16_t *sums(int64_t row) {
+    // A row sampled across, by slot. Inline, as it mostly is there already.
+    [[gnu::always_inline]] const uint16_t *sums(int64_t row) {
         bool present;
         uint16_t *buffer = kept_.place(row, present);
-        if (!present) {
-            const uint8_t *source = bytes(row);
-            if (strip_.wide) {
-                sample_across<true>(strip_, source, buffer);
-            } else {
-                sample_across<false>(strip_, source, buffer);
-            }
-        }
+        if (!present) fill_sums(row, buffer);
         return buffer;
+    }
+
+    [[gnu::noinline]] void fill_sums(int64_t row, uint16_t *buffer) {
+        const uint8_t *source = bytes(row);
+        if (strip_.wide) {
+            sample_across<true>(strip_, source, buffer);
+        } else {
+            sample_across<false>(strip_, source, buffer);
+        }
     }
 
     // The brackets of a vector of groups; the indices and weights of a group lie 2 kGroup bytes apart.
