@@ -1,7 +1,5 @@
 #include <string.h>
 
-#include <bit>
-
 #include "buffer/colour_space.h"
 #include "qorv_skia.h"
 
@@ -30,10 +28,14 @@ constexpr int kWordFactor[4] = {1, 5, 3, 7};
 constexpr int kWordStart[4] = {0, 1, 5, 0};
 
 inline uint32_t load_little_endian(const uint8_t *from) {
-    static_assert(std::endian::native == std::endian::little);
+    static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__);
     uint32_t word;
     memcpy(&word, from, sizeof word);
     return word;
+}
+
+constexpr uint32_t rotate_left(uint32_t value, int bits) {
+    return value << bits | value >> (32 - bits);
 }
 
 // Keeps the compiler from moving the additions around: b is the value that the previous step has just made, and the
@@ -62,7 +64,7 @@ inline void step(uint32_t &a, uint32_t b, uint32_t c, uint32_t d, const uint8_t 
     constexpr int kWord = (kWordFactor[kRound] * kStep + kWordStart[kRound]) % 16;
     uint32_t sum = a + kSine[kStep] + load_little_endian(block + 4 * kWord);
     pin(sum);
-    a = b + std::rotl(add_mixed<kRound>(sum, b, c, d), kRotation[kRound][kStep % 4]);
+    a = b + rotate_left(add_mixed<kRound>(sum, b, c, d), kRotation[kRound][kStep % 4]);
 }
 
 template <int kStep = 0>
@@ -142,7 +144,7 @@ extern "C" void qorv_md5_update(QORV_MD5 *md5, const void *data, uint32_t len) {
 }
 
 extern "C" void qorv_md5_update_16(QORV_MD5 *md5, const uint16_t *samples, uint32_t n) {
-    static_assert(std::endian::native == std::endian::little, "the samples are hashed as they lie in memory");
+    static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the samples are hashed as they lie in memory");
     qorv_md5_update(md5, samples, 2 * n);
 }
 
