@@ -459,7 +459,8 @@ template <class V>
 // ---- Bilinear sampling ----
 
 [[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
-    store_lanes(p, QORV_MM(unpacklo_epi16)((Register)a, (Register)b), QORV_MM(unpackhi_epi16)((Register)a, (Register)b));
+    store_lanes(p, QORV_MM(unpacklo_epi16)((Register)a, (Register)b),
+                QORV_MM(unpackhi_epi16)((Register)a, (Register)b));
 }
 
 [[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {

@@ -48,17 +48,17 @@ QORV_API const char *qorv_version(void);
  *  operation is a reference count.
  *  @{ */
 
-#define QORV_OK 0                        /**< Success. */
-#define QORV_ERR (-1)                    /**< Generic failure: nothing left to read, no room to write, not parsable. */
-#define QORV_ERR_BSR_REFILL (-2)         /**< The bit reader's refill failed inside an Exp-Golomb code. */
-#define QORV_ERR_IRSZ_MODE (-2)          /**< Resizer mode is neither 10 nor 11 (never meets #QORV_ERR_BSR_REFILL). */
-#define QORV_ERR_IRSZ_NOMEM (-3)         /**< The resizer could not be allocated. */
-#define QORV_ERR_UNSUPPORTED_FMT (-4)    /**< Resizer pixel format not supported. */
-#define QORV_ERR_OUT_OF_MEMORY (-102)    /**< A control record could not be allocated, or a block is too small. */
-#define QORV_ERR_INVALID_ARG (-105)      /**< Null record, or an allocator without its release function. */
-#define QORV_ERR_ALLOC_FAILED (-203)     /**< The sample-memory allocator returned null. */
+#define QORV_OK 0                         /**< Success. */
+#define QORV_ERR (-1)                     /**< Generic failure: nothing left to read, no room to write, not parsable. */
+#define QORV_ERR_BSR_REFILL (-2)          /**< The bit reader's refill failed inside an Exp-Golomb code. */
+#define QORV_ERR_IRSZ_MODE (-2)           /**< Resizer mode is neither 10 nor 11 (never meets #QORV_ERR_BSR_REFILL). */
+#define QORV_ERR_IRSZ_NOMEM (-3)          /**< The resizer could not be allocated. */
+#define QORV_ERR_UNSUPPORTED_FMT (-4)     /**< Resizer pixel format not supported. */
+#define QORV_ERR_OUT_OF_MEMORY (-102)     /**< A control record could not be allocated, or a block is too small. */
+#define QORV_ERR_INVALID_ARG (-105)       /**< Null record, or an allocator without its release function. */
+#define QORV_ERR_ALLOC_FAILED (-203)      /**< The sample-memory allocator returned null. */
 #define QORV_ERR_BITB_ALLOC_FAILED (-204) /**< The bitstream buffer's allocator returned null. */
-#define QORV_ERR_UNSUPPORTED_CS (-211)   /**< Colour space or conversion pair not supported. */
+#define QORV_ERR_UNSUPPORTED_CS (-211)    /**< Colour space or conversion pair not supported. */
 
 /** @} */
 
@@ -128,8 +128,8 @@ typedef void (*qorv_free_fn)(void *block, uint64_t aux);
  *  @{ */
 
 /**
- * Fills memory with a byte in steps of 128 bytes: writes n rounded up to a multiple of 128, and 128 bytes even when n is
- * 0 or negative.
+ * Fills memory with a byte in steps of 128 bytes: writes n rounded up to a multiple of 128, and 128 bytes even when n
+ * is 0 or negative.
  * @param dst    first byte; room for the rounded size.
  * @param value  byte, low 8 bits.
  * @param n      bytes.
@@ -277,40 +277,40 @@ QORV_API int32_t qorv_get_mac_addr(int32_t index, uint8_t *addr);
  *  W and H are the picture's size; half(x) = (x + 1) >> 1 and quarter(x) = (x + 3) >> 2, so odd sizes round up.
  *  @{ */
 
-#define QORV_CS_YUV400 10      /**< Luma only, 8-bit. */
-#define QORV_CS_YUV420 11      /**< Planar, chroma half(W) x half(H), 8-bit. */
-#define QORV_CS_YUV422 12      /**< Planar, chroma half(W) x H, 8-bit. */
-#define QORV_CS_YUV444 13      /**< Planar, chroma W x H, 8-bit. */
-#define QORV_CS_NV12 16        /**< Luma and one plane of interleaved chroma pairs, half(W) x half(H) pairs, 8-bit. */
-#define QORV_CS_NV21 17        /**< As #QORV_CS_NV12 with the other order in a pair. */
-#define QORV_CS_YUV440 18      /**< Planar, chroma W x half(H), 8-bit. */
-#define QORV_CS_YUV400_16 20   /**< Luma only, 16-bit words. */
-#define QORV_CS_YUV411 22      /**< Planar, chroma quarter(W) x H, 8-bit. */
-#define QORV_CS_YUVA420 41     /**< #QORV_CS_YUV420 and an alpha plane W x H. */
-#define QORV_CS_YUVA422 42     /**< #QORV_CS_YUV422 and an alpha plane W x H. */
-#define QORV_CS_YUVA444 43     /**< #QORV_CS_YUV444 and an alpha plane W x H. */
-#define QORV_CS_YUVA440 44     /**< #QORV_CS_YUV440 and an alpha plane W x H. */
-#define QORV_CS_P010 60        /**< Planar 4:2:0 (three planes), 10-bit samples in the low bits of 16-bit words. */
-#define QORV_CS_P210 61        /**< Planar 4:2:2, 10-bit samples in 16-bit words. */
-#define QORV_CS_P410 62        /**< Planar 4:4:4, 10-bit samples in 16-bit words. */
-#define QORV_CS_YUV420_16 63   /**< Planar 4:2:0 in 16-bit words. */
-#define QORV_CS_YUV422_16 64   /**< Planar 4:2:2 in 16-bit words. */
-#define QORV_CS_RGB565 200     /**< Packed 16-bit words: red in bits 15..11, green in 10..5, blue in 4..0. */
-#define QORV_CS_RGB888 400     /**< Packed bytes R, G, B. */
-#define QORV_CS_BGR888 401     /**< Packed bytes B, G, R (no converter is registered for it). */
-#define QORV_CS_RGBA5658 430   /**< 5-6-5 words and alpha bytes, 3 bytes a pixel; see the converters. */
-#define QORV_CS_RGBA8888 500   /**< Packed bytes R, G, B, A. */
-#define QORV_CS_BGRA8888 501   /**< Packed bytes B, G, R, A. */
-#define QORV_CS_ARGB8888 502   /**< Packed bytes A, R, G, B. */
-#define QORV_CS_R8G8B8 600     /**< Planes R, G, B of bytes (converters only). */
-#define QORV_CS_R10G10B10 603  /**< Planes R, G, B, 10-bit in 16-bit words (converters only). */
-#define QORV_CS_RGB565A8 650   /**< A plane of 5-6-5 words and a plane of alpha bytes (converters only). */
-#define QORV_CS_R8G8B8A8 700   /**< Planes R, G, B, A of bytes (converters only). */
+#define QORV_CS_YUV400 10     /**< Luma only, 8-bit. */
+#define QORV_CS_YUV420 11     /**< Planar, chroma half(W) x half(H), 8-bit. */
+#define QORV_CS_YUV422 12     /**< Planar, chroma half(W) x H, 8-bit. */
+#define QORV_CS_YUV444 13     /**< Planar, chroma W x H, 8-bit. */
+#define QORV_CS_NV12 16       /**< Luma and one plane of interleaved chroma pairs, half(W) x half(H) pairs, 8-bit. */
+#define QORV_CS_NV21 17       /**< As #QORV_CS_NV12 with the other order in a pair. */
+#define QORV_CS_YUV440 18     /**< Planar, chroma W x half(H), 8-bit. */
+#define QORV_CS_YUV400_16 20  /**< Luma only, 16-bit words. */
+#define QORV_CS_YUV411 22     /**< Planar, chroma quarter(W) x H, 8-bit. */
+#define QORV_CS_YUVA420 41    /**< #QORV_CS_YUV420 and an alpha plane W x H. */
+#define QORV_CS_YUVA422 42    /**< #QORV_CS_YUV422 and an alpha plane W x H. */
+#define QORV_CS_YUVA444 43    /**< #QORV_CS_YUV444 and an alpha plane W x H. */
+#define QORV_CS_YUVA440 44    /**< #QORV_CS_YUV440 and an alpha plane W x H. */
+#define QORV_CS_P010 60       /**< Planar 4:2:0 (three planes), 10-bit samples in the low bits of 16-bit words. */
+#define QORV_CS_P210 61       /**< Planar 4:2:2, 10-bit samples in 16-bit words. */
+#define QORV_CS_P410 62       /**< Planar 4:4:4, 10-bit samples in 16-bit words. */
+#define QORV_CS_YUV420_16 63  /**< Planar 4:2:0 in 16-bit words. */
+#define QORV_CS_YUV422_16 64  /**< Planar 4:2:2 in 16-bit words. */
+#define QORV_CS_RGB565 200    /**< Packed 16-bit words: red in bits 15..11, green in 10..5, blue in 4..0. */
+#define QORV_CS_RGB888 400    /**< Packed bytes R, G, B. */
+#define QORV_CS_BGR888 401    /**< Packed bytes B, G, R (no converter is registered for it). */
+#define QORV_CS_RGBA5658 430  /**< 5-6-5 words and alpha bytes, 3 bytes a pixel; see the converters. */
+#define QORV_CS_RGBA8888 500  /**< Packed bytes R, G, B, A. */
+#define QORV_CS_BGRA8888 501  /**< Packed bytes B, G, R, A. */
+#define QORV_CS_ARGB8888 502  /**< Packed bytes A, R, G, B. */
+#define QORV_CS_R8G8B8 600    /**< Planes R, G, B of bytes (converters only). */
+#define QORV_CS_R10G10B10 603 /**< Planes R, G, B, 10-bit in 16-bit words (converters only). */
+#define QORV_CS_RGB565A8 650  /**< A plane of 5-6-5 words and a plane of alpha bytes (converters only). */
+#define QORV_CS_R8G8B8A8 700  /**< Planes R, G, B, A of bytes (converters only). */
 
 /**
  * The planes of a picture in the YUV family, or in #QORV_CS_RGB888.
- * @param cs           colour space: the identifiers 10 to 64 above, or #QORV_CS_RGB888. The other packed RGB identifiers
- *                     are known to the image buffer alone.
+ * @param cs           colour space: the identifiers 10 to 64 above, or #QORV_CS_RGB888. The other packed RGB
+ * identifiers are known to the image buffer alone.
  * @param widths       four elements. [0] is the picture's width W in pixels and is only read; on success the elements 1
  *                     to planes - 1 receive the other planes' widths in elements, the rest stay as they are.
  * @param heights      as widths, for the heights in rows.
@@ -375,8 +375,8 @@ struct QORV_IMGB {
  * @param h       height in rows, not checked.
  * @param cs      colour space, 10 to 599.
  * @param opt     QORV_IMGB_OPT_* flags; other bits are ignored.
- * @param align   null, or four alignment words (#QORV_IMGB_WORD): horizontal alignment in elements and vertical in rows,
- *                powers of two (1: none; 0 gives an aligned size of 0). Packed RGB reads element 0 only.
+ * @param align   null, or four alignment words (#QORV_IMGB_WORD): horizontal alignment in elements and vertical in
+ * rows, powers of two (1: none; 0 gives an aligned size of 0). Packed RGB reads element 0 only.
  * @param pad     null, or four padding words: elements on the left and on the right, rows above and below. Packed RGB
  *                reads element 0 only.
  * @param alloc   sample-memory allocator, or null for qorv_malloc_align32() (free is then ignored).
@@ -434,11 +434,12 @@ QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32
  *  @{ */
 
 /**
- * Fills the padding round every plane: each row's first sample to its left, its last sample to its right, then the first
- * and the last row, margins included, upwards and downwards.
+ * Fills the padding round every plane: each row's first sample to its left, its last sample to its right, then the
+ * first and the last row, margins included, upwards and downwards.
  *
  * The planes' sizes follow from the aligned picture, aw x ah: where chroma planes were given a finer alignment than
- * luma, their rows reach beyond their storage, so give all planes one alignment word. Odd ends: with unequal halves of a padding word the
+ * luma, their rows reach beyond their storage, so give all planes one alignment word. Odd ends: with unequal halves of
+ * a padding word the
  * left run begins `vertical` samples left of the row and is `horizontal` samples long, so it ends inside the row when
  * the horizontal half is the larger one, and leaves a gap when it is the smaller one. The chroma plane of
  * #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, so its pairs are not kept together; the
@@ -537,8 +538,8 @@ struct QORV_MFAL {
     uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
 };
 
-/** Bytes owned by whoever holds the record. All zero is the empty value; must be emptied with qorv_vdata_free() before it
- *  is set again, since set and copy overwrite the address. */
+/** Bytes owned by whoever holds the record. All zero is the empty value; must be emptied with qorv_vdata_free() before
+ * it is set again, since set and copy overwrite the address. */
 typedef struct QORV_VDATA {
     uint32_t type; /**< The holder's, copied along with the bytes. */
     int32_t size;  /**< Bytes. */
@@ -555,7 +556,8 @@ typedef struct QORV_VDATA {
  * @param unused    ignored.
  * @param alloc     allocator, or null for qorv_malloc_align32() (free is then ignored).
  * @param free      its release function; taken as given, so it must not be null beside an allocator.
- * @param status    null, or receives #QORV_OK, #QORV_ERR_OUT_OF_MEMORY (the record) or #QORV_ERR_ALLOC_FAILED (a buffer).
+ * @param status    null, or receives #QORV_OK, #QORV_ERR_OUT_OF_MEMORY (the record) or #QORV_ERR_ALLOC_FAILED (a
+ * buffer).
  * @return the buffer, or null with nothing leaked. The bytes of one buffer must stay below 2^32.
  */
 QORV_API QORV_AUDB *qorv_audb_create(uint32_t samples, int32_t channels, uint32_t bits, uint32_t attr, int32_t layout,
@@ -906,8 +908,8 @@ QORV_API int32_t qorv_bsw_size_se(int32_t value);
  *
  *  A destination that overlaps a source or another destination gives the result of the per-pixel loop: rows from the
  *  first, pixels from the left, all samples of a pixel read before its first is written.
- *  That is exact but slow, about 15 ns a pixel, unless destinations lie exactly on sources or the rows keep clear of each
- *  other.
+ *  That is exact but slow, about 15 ns a pixel, unless destinations lie exactly on sources or the rows keep clear of
+ * each other.
  *
  *  Converters take no memory from the heap; those that do not scale take at most 8 KiB of stack.
  *  @{ */
@@ -931,17 +933,17 @@ typedef void (*qorv_csc_fn)(const void *const *src, int32_t src_w, int32_t src_h
 
 /**
  * Converters to RGB layouts by [0: equal sizes, 1: differing sizes][source][destination]; null where there is none.
- * Sources: 0 R8G8B8, 1 R8G8B8A8, 2 YUV444, 3 YUVA444, 4 P410, 5 R10G10B10. Destinations: 0 RGB888, 1 RGBA8888, 2 RGB565,
- * 3 RGBA5658, 4 RGB565A8, 5 ARGB8888, 6 BGRA8888, 7 BGR888 (empty), 8 R8G8B8, 9 none (empty), 10 R10G10B10.
- * Two cells surprise: R8G8B8A8 to RGBA5658 holds qorv_csc_r8g8b8a8_to_rgba8888(), and R10G10B10 to R10G10B10 holds
+ * Sources: 0 R8G8B8, 1 R8G8B8A8, 2 YUV444, 3 YUVA444, 4 P410, 5 R10G10B10. Destinations: 0 RGB888, 1 RGBA8888, 2
+ * RGB565, 3 RGBA5658, 4 RGB565A8, 5 ARGB8888, 6 BGRA8888, 7 BGR888 (empty), 8 R8G8B8, 9 none (empty), 10 R10G10B10. Two
+ * cells surprise: R8G8B8A8 to RGBA5658 holds qorv_csc_r8g8b8a8_to_rgba8888(), and R10G10B10 to R10G10B10 holds
  * qorv_csc_r10g10b10_to_p410().
  */
 extern QORV_API const qorv_csc_fn qorv_tbl_fn_csc_to_rgb[2][6][11];
 
 /**
  * Converters to planar YUV by [0: equal sizes, 1: differing sizes (empty)][source][destination]; null where there is
- * none. Sources: 0 R8G8B8, 1 R8G8B8A8 (never found by the lookup), 2 YUV444, 3 YUVA444, 4 RGB565, 5 R10G10B10, 6 RGB888,
- * 7 RGBA8888. Destinations: 0 YUV444, 1 YUVA444, 2 P410.
+ * none. Sources: 0 R8G8B8, 1 R8G8B8A8 (never found by the lookup), 2 YUV444, 3 YUVA444, 4 RGB565, 5 R10G10B10, 6
+ * RGB888, 7 RGBA8888. Destinations: 0 YUV444, 1 YUVA444, 2 P410.
  */
 extern QORV_API const qorv_csc_fn qorv_tbl_fn_csc_to_yuvplanar[2][8][3];
 
@@ -1033,8 +1035,8 @@ QORV_API void qorv_csc_yuv444a8_to_rgb565a8(const void *const *src, int32_t src_
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /**
- *  Planes Y, U, V, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three bytes
- *  apart. The bytes between the alpha bytes are left as they were.
+ *  Planes Y, U, V, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three
+ * bytes apart. The bytes between the alpha bytes are left as they were.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -1138,8 +1140,8 @@ QORV_API void qorv_csc_r8g8b8a8_to_bgra8888(const void *const *src, int32_t src_
                                             int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /**
- *  Planes R, G, B, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three bytes
- *  apart. The bytes between the alpha bytes are left as they were. In no table.
+ *  Planes R, G, B, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three
+ * bytes apart. The bytes between the alpha bytes are left as they were. In no table.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -1177,17 +1179,18 @@ QORV_API void qorv_csc_r10g10b10_to_p410(const void *const *src, int32_t src_w, 
                                          int32_t dst_h, const int32_t *dst_stride, int32_t dst_cs);
 
 /**
- *  Three planes of 10-bit 4:2:0 in words to three planes of bytes: (sample >> 2) & 255, no rounding, no clamping. Source
- *  strides are in bytes and rounded down to even, destination strides in bytes. Chroma is (src_w >> 1) x (src_h >> 1):
- *  an odd picture's last chroma column and row are not converted. In no table.
+ *  Three planes of 10-bit 4:2:0 in words to three planes of bytes: (sample >> 2) & 255, no rounding, no clamping.
+ * Source strides are in bytes and rounded down to even, destination strides in bytes. Chroma is (src_w >> 1) x (src_h
+ * >> 1): an odd picture's last chroma column and row are not converted. In no table.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                       uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
                                       const int32_t *dst_stride, int32_t dst_cs);
 
 /**
- *  Copies planes Y, U, V of bytes, and the alpha plane when dst_cs is #QORV_CS_YUVA444 and src[3] is not null. Each row is
- *  copied byte by byte from the left: a destination 1 to src_w - 1 bytes behind its source repeats the row's beginning.
+ *  Copies planes Y, U, V of bytes, and the alpha plane when dst_cs is #QORV_CS_YUVA444 and src[3] is not null. Each row
+ * is copied byte by byte from the left: a destination 1 to src_w - 1 bytes behind its source repeats the row's
+ * beginning.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -1198,8 +1201,8 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
 /** @name Conversion with scaling
  *  Planes are sampled bilinearly on the grid of the resizer (see there for steps, decimation and weights), each sample
  *  (w0 A + w1 B + w2 C + w3 D) >> 6, and the samples converted as by the converter of the same name without "rsz". The
- *  source must be at least one pixel wide and high; sides up to 32768 are right. Equal sizes are not a copy: the step is
- *  slightly below one pixel. dst_w or dst_h below 1 writes nothing. At most 32 KiB of stack are taken.
+ *  source must be at least one pixel wide and high; sides up to 32768 are right. Equal sizes are not a copy: the step
+ * is slightly below one pixel. dst_w or dst_h below 1 writes nothing. At most 32 KiB of stack are taken.
  *  @{ */
 /** Planes R, G, B to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
  *  @copydetails qorv_csc_fn */
@@ -1270,8 +1273,8 @@ QORV_API void qorv_csc_rsz_yuv444a8_to_rgb565a8(const void *const *src, int32_t 
  *  the weights of entry fx * 8 + fy of #qorv_irsz_tbl_rsz_weight. A neighbour of weight 0 is not read where it need not
  *  exist: a source may be one pixel wide or high.
  *
- *  Sides up to 32768 samples are right. Source and destination must not overlap. The kernels take no memory from the heap
- *  and at most 32 KiB of stack.
+ *  Sides up to 32768 samples are right. Source and destination must not overlap. The kernels take no memory from the
+ * heap and at most 32 KiB of stack.
  *
  *  | format | pixels                                   | pitches of the record and of _full |
  *  |--------|------------------------------------------|------------------------------------|
@@ -1284,7 +1287,8 @@ QORV_API void qorv_csc_rsz_yuv444a8_to_rgb565a8(const void *const *src, int32_t 
 
 /**
  * Weights of the four neighbours by entry fx * 8 + fy, fx and fy being 0 to 7 eighths:
- * ((8 - fx)(8 - fy), fx (8 - fy), (8 - fx) fy, fx fy) for top left, top right, bottom left, bottom right. They sum to 64.
+ * ((8 - fx)(8 - fy), fx (8 - fy), (8 - fx) fy, fx fy) for top left, top right, bottom left, bottom right. They sum
+ * to 64.
  */
 extern QORV_API const uint8_t qorv_tbl_bilinear_rszw[64][4];
 
@@ -1309,30 +1313,30 @@ typedef struct QORV_IRSZ QORV_IRSZ;
 
 /** A resizer. Made by qorv_irsz_create(); its user reads, but does not change it. */
 struct QORV_IRSZ {
-    int32_t format;      /**< From the parameters. */
-    int32_t mode;        /**< From the parameters. */
-    uint32_t step_x;     /**< Decimated source pixels from column to column, 18 fraction bits. */
-    uint32_t step_y;     /**< Decimated source rows from row to row, 18 fraction bits. */
-    uint32_t pos_y;      /**< Band mode: position of destination row dst_row, modulo 2^32. */
-    int32_t pel_step;    /**< Pixels to the right neighbour, 1 << shift_x. */
-    int32_t src_pitch;   /**< Size of a source row in the format's unit. */
-    int32_t dst_w;       /**< Destination width in pixels. */
-    int32_t dst_h;       /**< Destination height in rows. */
-    int32_t dst_pitch;   /**< Size of a destination row in the format's unit. */
-    int32_t shift_x;     /**< Decimation shift of columns, 0 to 4. */
-    int32_t shift_y;     /**< Decimation shift of rows, 0 to 4. */
-    int32_t row_step;    /**< From a row to its lower neighbour, src_pitch << shift_y. */
-    int32_t saved_off;   /**< Band mode: while row_cached is 1, where the lower row will lie from the start of the next
-                              band, in the unit of src_pitch. */
-    int32_t row_cached;  /**< Band mode: 1 while line_buf holds the upper row of the pending pair. */
-    int32_t band_bytes;  /**< band_h * src_pitch. */
-    int32_t dst_row;     /**< Band mode: the next destination row to produce. */
-    int32_t upscale;     /**< 1 when the destination is wider or higher than the source. */
-    int32_t band_flag;   /**< Band mode: 1 when the pending pair of rows needs a row of a band to come. */
+    int32_t format;     /**< From the parameters. */
+    int32_t mode;       /**< From the parameters. */
+    uint32_t step_x;    /**< Decimated source pixels from column to column, 18 fraction bits. */
+    uint32_t step_y;    /**< Decimated source rows from row to row, 18 fraction bits. */
+    uint32_t pos_y;     /**< Band mode: position of destination row dst_row, modulo 2^32. */
+    int32_t pel_step;   /**< Pixels to the right neighbour, 1 << shift_x. */
+    int32_t src_pitch;  /**< Size of a source row in the format's unit. */
+    int32_t dst_w;      /**< Destination width in pixels. */
+    int32_t dst_h;      /**< Destination height in rows. */
+    int32_t dst_pitch;  /**< Size of a destination row in the format's unit. */
+    int32_t shift_x;    /**< Decimation shift of columns, 0 to 4. */
+    int32_t shift_y;    /**< Decimation shift of rows, 0 to 4. */
+    int32_t row_step;   /**< From a row to its lower neighbour, src_pitch << shift_y. */
+    int32_t saved_off;  /**< Band mode: while row_cached is 1, where the lower row will lie from the start of the next
+                             band, in the unit of src_pitch. */
+    int32_t row_cached; /**< Band mode: 1 while line_buf holds the upper row of the pending pair. */
+    int32_t band_bytes; /**< band_h * src_pitch. */
+    int32_t dst_row;    /**< Band mode: the next destination row to produce. */
+    int32_t upscale;    /**< 1 when the destination is wider or higher than the source. */
+    int32_t band_flag;  /**< Band mode: 1 when the pending pair of rows needs a row of a band to come. */
     int32_t (*fn_rsz)(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row,
                       uint32_t band_h); /**< The format's kernel. */
-    uint8_t *line_buf;   /**< Band mode: one source row; null otherwise. */
-    void *dst;           /**< From the parameters. */
+    uint8_t *line_buf;                  /**< Band mode: one source row; null otherwise. */
+    void *dst;                          /**< From the parameters. */
 };
 
 /**
@@ -1348,8 +1352,8 @@ QORV_API QORV_IRSZ *qorv_irsz_create(const QORV_IRSZ_PARAM *param, int32_t *stat
  *
  * Band mode: the bands of a picture are given in order, from its first row to its last, without gaps; their memory need
  * not outlive the call. Every destination row whose source rows have come is written, each once; together they are what
- * picture mode writes. Any band height works, also one that changes from call to call. A resizer in band mode serves one
- * picture.
+ * picture mode writes. Any band height works, also one that changes from call to call. A resizer in band mode serves
+ * one picture.
  * @param rsz        the resizer.
  * @param src        first row of the picture or of the band.
  * @param first_row  band mode: number of that row in the picture; otherwise not used.
@@ -1399,7 +1403,7 @@ QORV_API int32_t qorv_irsz8b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_
  * @param step_y     packed step of bilinear_rsz_step_size().
  */
 QORV_API void qorv_irsz8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
-                          uint8_t *dst, int32_t step_x, int32_t step_y);
+                               uint8_t *dst, int32_t step_x, int32_t step_y);
 
 /**
  * Makes one destination row of qorv_irsz8b().
@@ -1412,7 +1416,7 @@ QORV_API void qorv_irsz8b_full(const uint8_t *src, uint32_t src_pitch, int32_t d
  * @param dst       destination row.
  */
 QORV_API void qorv_irsz8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
-                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+                               int32_t pel_step, uint32_t step_x, uint8_t *dst);
 
 /**
  * The kernel of a resizer of format 21: three 8-bit samples a pixel; qorv_irsz() calls it.
@@ -1435,8 +1439,8 @@ QORV_API int32_t qorv_irsz8b8b8b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t fi
  * @param step_x     packed step of bilinear_rsz_step_size().
  * @param step_y     packed step of bilinear_rsz_step_size().
  */
-QORV_API void qorv_irsz8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
-                          uint8_t *dst, int32_t step_x, int32_t step_y);
+QORV_API void qorv_irsz8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h,
+                                   int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y);
 
 /**
  * Makes one destination row of qorv_irsz8b8b8b().
@@ -1449,7 +1453,7 @@ QORV_API void qorv_irsz8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32
  * @param dst       destination row.
  */
 QORV_API void qorv_irsz8b8b8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
-                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+                                   int32_t pel_step, uint32_t step_x, uint8_t *dst);
 
 /**
  * The kernel of a resizer of format 23: three 8-bit samples to a 5-6-5 word; qorv_irsz() calls it.
@@ -1474,8 +1478,8 @@ QORV_API int32_t qorv_irsz8b8b8b_5b6b5b(QORV_IRSZ *rsz, const uint8_t *src, uint
  * @param step_x     packed step of bilinear_rsz_step_size().
  * @param step_y     packed step of bilinear_rsz_step_size().
  */
-QORV_API void qorv_irsz8b8b8b_5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
-                          uint8_t *dst, int32_t step_x, int32_t step_y);
+QORV_API void qorv_irsz8b8b8b_5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h,
+                                          int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y);
 
 /**
  * Makes one destination row of qorv_irsz8b8b8b_5b6b5b().
@@ -1487,8 +1491,8 @@ QORV_API void qorv_irsz8b8b8b_5b6b5b_full(const uint8_t *src, uint32_t src_pitch
  * @param step_x    step of columns, not packed.
  * @param dst       destination row.
  */
-QORV_API void qorv_irsz8b8b8b_5b6b5b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
-                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+QORV_API void qorv_irsz8b8b8b_5b6b5b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w,
+                                          int32_t shift_x, int32_t pel_step, uint32_t step_x, uint8_t *dst);
 
 /**
  * The kernel of a resizer of format 25: 5-6-5 words; qorv_irsz() calls it.
@@ -1513,8 +1517,8 @@ QORV_API int32_t qorv_irsz5b6b5b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t fi
  * @param step_x     packed step of bilinear_rsz_step_size().
  * @param step_y     packed step of bilinear_rsz_step_size().
  */
-QORV_API void qorv_irsz5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
-                          uint8_t *dst, int32_t step_x, int32_t step_y);
+QORV_API void qorv_irsz5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h,
+                                   int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y);
 
 /**
  * Makes one destination row of qorv_irsz5b6b5b().
@@ -1527,7 +1531,7 @@ QORV_API void qorv_irsz5b6b5b_full(const uint8_t *src, uint32_t src_pitch, int32
  * @param dst       destination row.
  */
 QORV_API void qorv_irsz5b6b5b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
-                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+                                   int32_t pel_step, uint32_t step_x, uint8_t *dst);
 
 /**
  * The kernel of a resizer of format 29: four 8-bit samples a pixel; qorv_irsz() calls it.
@@ -1551,8 +1555,8 @@ QORV_API int32_t qorv_irsz8b8b8b8b(QORV_IRSZ *rsz, const uint8_t *src, uint32_t 
  * @param step_x     packed step of bilinear_rsz_step_size().
  * @param step_y     packed step of bilinear_rsz_step_size().
  */
-QORV_API void qorv_irsz8b8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h, int32_t dst_pitch,
-                          uint8_t *dst, int32_t step_x, int32_t step_y);
+QORV_API void qorv_irsz8b8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h,
+                                     int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y);
 
 /**
  * Makes one destination row of qorv_irsz8b8b8b8b().
@@ -1565,7 +1569,7 @@ QORV_API void qorv_irsz8b8b8b8b_full(const uint8_t *src, uint32_t src_pitch, int
  * @param dst       destination row.
  */
 QORV_API void qorv_irsz8b8b8b8b_line(const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w, int32_t shift_x,
-                          int32_t pel_step, uint32_t step_x, uint8_t *dst);
+                                     int32_t pel_step, uint32_t step_x, uint8_t *dst);
 
 /** @} */
 
@@ -1815,68 +1819,68 @@ QORV_API void qorv_diff_16(int32_t w, int32_t h, const int16_t *a, const int16_t
  * @param stride_out  16-bit values from a row of the output to the next; may be negative.
  * @param out         first value of the output.
  */
-QORV_API void qorv_diff2x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff2x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 2 columns by 4 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff2x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff2x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 4 columns by 2 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff4x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff4x2(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 4 columns by 4 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff4x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff4x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 4 columns by 8 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff4x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff4x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 8 columns by 4 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff8x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff8x4(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 8 columns by 8 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff8x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                           int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff8x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                           int16_t *out);
 
 /** Residual, 8 columns by 16 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff8x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                            int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff8x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                            int16_t *out);
 
 /** Residual, 16 columns by 8 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff16x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                            int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff16x8(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                            int16_t *out);
 
 /** Residual, 16 columns by 16 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff16x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff16x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 16 columns by 32 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff16x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff16x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 32 columns by 16 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff32x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff32x16(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 32 columns by 32 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff32x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff32x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 32 columns by 64 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff32x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff32x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 64 columns by 32 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff64x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff64x32(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 64 columns by 64 rows, 8-bit. @copydetails qorv_diff2x2 */
-QORV_API void qorv_diff64x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b,
-                             int32_t stride_out, int16_t *out);
+QORV_API void qorv_diff64x64(const uint8_t *a, const uint8_t *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                             int16_t *out);
 
 /** Residual, 2 columns by 2 rows, 16-bit. @copydetails qorv_diff2x2 */
 QORV_API void qorv_diff2x2_16(const int16_t *a, const int16_t *b, int32_t stride_a, int32_t stride_b,
@@ -2279,8 +2283,8 @@ typedef struct QORV_RLIST_NODE {
 } QORV_RLIST_NODE;
 
 /**
- * A fixed pool of equal buffers that circulate first in, first out. They form one chain: the free ones in front, the used
- * ones behind them, the oldest at the back. Made by qorv_rlist_create().
+ * A fixed pool of equal buffers that circulate first in, first out. They form one chain: the free ones in front, the
+ * used ones behind them, the oldest at the back. Made by qorv_rlist_create().
  */
 typedef struct QORV_RLIST {
     int32_t max;               /**< Buffers asked for at creation. */
@@ -2356,9 +2360,9 @@ QORV_API int32_t qorv_rlist_get_free_cnt(const QORV_RLIST *rlist);
  * wr = (rd + size - 1) mod size.
  *
  * The positions are defined by the formulas of each function, and two of them leave 0 to size - 1: a put or a direct
- * write that exactly fills the storage while rd is 0 leaves wr at size, and taking a line may move rd one past wr or past
- * the storage, after which one length or result may be -1. A caller who never holds more than size - 1 bytes and ends
- * every line with CR LF meets neither.
+ * write that exactly fills the storage while rd is 0 leaves wr at size, and taking a line may move rd one past wr or
+ * past the storage, after which one length or result may be -1. A caller who never holds more than size - 1 bytes and
+ * ends every line with CR LF meets neither.
  */
 typedef struct QORV_RBUF {
     int32_t wr;   /**< Write position. */
@@ -2389,8 +2393,8 @@ QORV_API void qorv_rbuf_empty(QORV_RBUF *rbuf);
 /**
  * Stores all bytes or none.
  *
- * Odd ends: with rd = 0, n = size - wr bytes are accepted although that leaves wr at size. When the bytes would wrap and then not fit, those up to the end of the storage are overwritten although
- * the put is refused.
+ * Odd ends: with rd = 0, n = size - wr bytes are accepted although that leaves wr at size. When the bytes would wrap
+ * and then not fit, those up to the end of the storage are overwritten although the put is refused.
  * @param rbuf  the ring.
  * @param data  the bytes.
  * @param n     how many, from 0 on.
@@ -2412,17 +2416,17 @@ QORV_API int32_t qorv_rbuf_get(QORV_RBUF *rbuf, void *dest, int32_t n);
  *
  * Odd ends. A line that ends in LF alone is followed by the loss of one byte: rd moves past the line and one byte more,
  * which may take it past wr (the ring then appears to hold size - 2 bytes) or past the storage. When the contents wrap:
- * - a dsize of at most t, the bytes from rd to the end of the storage, does not limit the line: up to t bytes are looked
- *   at, and nothing beyond them;
+ * - a dsize of at most t, the bytes from rd to the end of the storage, does not limit the line: up to t bytes are
+ * looked at, and nothing beyond them;
  * - a zero byte before the end of the storage is passed over, as are the bytes between it and the end;
- * - a CR as the last byte of the storage and an LF as its first one end the line with length t + 2, although the text is
- *   t + 1 bytes long, a byte that is left as it was follows it, and the zero byte comes after that one.
+ * - a CR as the last byte of the storage and an LF as its first one end the line with length t + 2, although the text
+ * is t + 1 bytes long, a byte that is left as it was follows it, and the zero byte comes after that one.
  * @param rbuf   the ring.
  * @param dest   receives the line. Room for the larger of dsize and the ring's size, and 2 bytes more: a rewritten
  *               ending and the zero byte may reach index dsize + 1.
  * @param dsize  limit of the search: dsize - 1 bytes when the contents are in one piece, dsize bytes when they wrap.
- * @return length of the text with its ending; 0, with nothing taken but dest written, when the ring is empty, when there
- *         is no line feed within the limit, or when a zero byte comes first.
+ * @return length of the text with its ending; 0, with nothing taken but dest written, when the ring is empty, when
+ * there is no line feed within the limit, or when a zero byte comes first.
  */
 QORV_API int32_t qorv_rbuf_get_one_line(QORV_RBUF *rbuf, char *dest, int32_t dsize);
 
@@ -2462,8 +2466,8 @@ QORV_API int32_t qorv_rbuf_skip_head(QORV_RBUF *rbuf, int32_t n);
 QORV_API int32_t qorv_rbuf_skip_tail(QORV_RBUF *rbuf, int32_t n);
 
 /**
- * The free bytes, by formula: rd - wr - 1 when rd > wr, else rd - wr + size + 1. The latter is 2 more than a put accepts
- * (an empty ring reports size + 1).
+ * The free bytes, by formula: rd - wr - 1 when rd > wr, else rd - wr + size + 1. The latter is 2 more than a put
+ * accepts (an empty ring reports size + 1).
  * @param rbuf  the ring.
  * @return the formula's value.
  */
@@ -2516,8 +2520,8 @@ QORV_API int32_t qorv_rbuf_is_empty(const QORV_RBUF *rbuf);
 /** @defgroup text Strings and URIs
  *  @{ */
 
-/* Strings end with a zero byte and are shorter than 2^31 bytes; L is a string's length. Blanks are space, tab, LF and CR.
- * Results point into the caller's string. */
+/* Strings end with a zero byte and are shorter than 2^31 bytes; L is a string's length. Blanks are space, tab, LF and
+ * CR. Results point into the caller's string. */
 
 /**
  * The first byte that is not blank.
@@ -2574,8 +2578,8 @@ QORV_API int32_t qorv_str_parse_by_stok(const char *str, const char *tok, uint32
 /**
  * Cuts a line at LF or CR LF.
  * @param str   the string.
- * @param len   receives the line's length without its ending. Odd end: without an ending it receives L although the call
- *              fails. 0 on other failures.
+ * @param len   receives the line's length without its ending. Odd end: without an ending it receives L although the
+ * call fails. 0 on other failures.
  * @param next  null, or receives the byte after the ending, null when the string ends there.
  * @return 0; -1 for an empty string, one without a line ending, or one whose first CR has no LF after it.
  */
@@ -2600,8 +2604,8 @@ QORV_API int32_t qorv_str_conv_a2uri(const char *src, char *dst);
  * Copies a string with every "%" and the two bytes after it made one byte.
  *
  * Odd ends: the two are read as decimal digits d1 and d2 and give 16 d1 + d2; any other byte, hexadecimal letters
- * included, counts as 0, so "%2F" gives a space. Bytes missing at the string's end count as 0 too; "%00" and the like put
- * a zero byte into the copy. "+" is left alone.
+ * included, counts as 0, so "%2F" gives a space. Bytes missing at the string's end count as 0 too; "%00" and the like
+ * put a zero byte into the copy. "+" is left alone.
  * @param src  the string.
  * @param dst  room for L + 1 bytes; must not overlap the source.
  * @return the bytes written before the terminating zero.
