@@ -129,6 +129,7 @@ template <int Bits>
 //   abs_lanes(a)                      |a| of lanes read as signed, the lowest value staying as it is
 //   max_lanes(a, b)                   of unsigned lanes
 //   add_saturated(a, b)               of unsigned lanes
+//   subtract_saturated(a, b)          of signed lanes, vectors of 16 bytes
 //   add_pairs(sum, a)                 adds pairs of neighbouring lanes below 2^15 to 32-bit lanes
 //   add_squares(sum, a)               adds the squares of lanes below 2^15 to 32-bit lanes, modulo 2^32
 //   widen(a)                          8 or 16 bytes to as many 16-bit lanes

@@ -158,6 +158,10 @@ constexpr bool kHasSumsAndDifferences = false;
     return (Vec<uint16_t, 16>)vqaddq_u16((uint16x8_t)a, (uint16x8_t)b);
 }
 
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<int16_t, 16>)vqsubq_s16((int16x8_t)a, (int16x8_t)b);
+}
+
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
     sum = (Vec<uint32_t, 16>)vpadalq_u16((uint32x4_t)sum, (uint16x8_t)a);
 }

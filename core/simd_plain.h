@@ -148,6 +148,14 @@ template <class V>
     return a;
 }
 
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    for (int i = 0; i < 8; i++) {
+        const int d = a[i] - b[i];
+        a[i] = static_cast<int16_t>(d < INT16_MIN ? INT16_MIN : d > INT16_MAX ? INT16_MAX : d);
+    }
+    return a;
+}
+
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
     for (int i = 0; i < 8; i++) sum[i / 2] += a[i];
 }

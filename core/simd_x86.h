@@ -279,6 +279,10 @@ template <class V>
     return (Vec<uint16_t, 16>)_mm_adds_epu16((__m128i)a, (__m128i)b);
 }
 
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<int16_t, 16>)_mm_subs_epi16((__m128i)a, (__m128i)b);
+}
+
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
     static constexpr Vec<int16_t, 16> kOnes = Vec<int16_t, 16>{} + 1;
     sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, (__m128i)constant(kOnes));

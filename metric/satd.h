@@ -234,40 +234,40 @@ template <class A, class B>
 template <class T>
 constexpr bool kUnsignedWords = sizeof(T) == 2 && T(-1) > 0;
 
-// What exceeds() has to know beside the residual modulo 2^16: the bits of lanes in which that may not be the residual.
+// The residual of 16-bit lanes where it is small; elsewhere it is large, or `more` gets a top bit.
 template <class A, class B>
-[[gnu::always_inline]] inline Vec<uint16_t, 16> wrapped(const Rows<A> &a, const Rows<B> &b) {
-    using V = Vec<uint16_t, 16>;
-    const V va = (V)load_samples<8, 1, 16>(a, 0, 0), vb = (V)load_samples<8, 1, 16>(b, 0, 0);
-    // Of two unsigned samples on the same side of 2^15 the residual is exact. An unsigned one below 2^15 is a signed
-    // one, and of two signed ones the distance tells.
-    if constexpr (kUnsignedWords<A> && kUnsignedWords<B>) return (va ^ vb) & static_cast<uint16_t>(0x8000);
-    const V distance = abs_difference((Vec<int16_t, 16>)va, (Vec<int16_t, 16>)vb);
-    return kUnsignedWords<B> ? distance | (vb & static_cast<uint16_t>(0x8000)) : distance;
+[[gnu::always_inline]] inline Vec<int16_t, 16> small_residual(Vec<int16_t, 16> a, Vec<int16_t, 16> b,
+                                                              Vec<uint16_t, 16> &more) {
+    const auto top = splat<Vec<int16_t, 16>>(INT16_MIN);
+    if constexpr (kUnsignedWords<A> && kUnsignedWords<B>) return subtract_saturated(a ^ top, b ^ top);
+    if constexpr (kUnsignedWords<B>) more |= (Vec<uint16_t, 16>)(b & top);
+    return subtract_saturated(a, b);
 }
 
 template <class A, class B>
 uint32_t satd8x8(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
-    constexpr bool kSmall = sizeof(A) + sizeof(B) == 2, kFirst = kFirstStageDone<const A, const B>;
-    constexpr int kBytes = kFirst ? kVectorBytes : 16;
+    constexpr bool kBytes = sizeof(A) + sizeof(B) == 2, kFirst = kFirstStageDone<A, B>;
+    constexpr int kVector = kFirst ? kVectorBytes : 16;
     Rows<const A> rows_a(a, stride_a);
     Rows<const B> rows_b(b, stride_b);
-    Vec<uint16_t, 16> more = {};
-    if constexpr (!kSmall) {
-        Rows<const A> wide_a = rows_a;
-        Rows<const B> wide_b = rows_b;
-        for (int y = 0; y < 8; y++, wide_a.skip(1), wide_b.skip(1)) more |= wrapped(wide_a, wide_b);
-    }
-    Vec<int16_t, kBytes> v[8 * 16 / kBytes];
-    load_residual<8>(v, rows_a, rows_b);
-    if constexpr (!kSmall) {
+    Vec<int16_t, kVector> v[8 * 16 / kVector];
+    if constexpr (kBytes) {
+        load_residual<8>(v, rows_a, rows_b);
+    } else {
+        Vec<uint16_t, 16> more = {};
+        const auto load_row = [&](auto, int y, int i) __attribute__((always_inline)) {
+            v[i] =
+                small_residual<A, B>(load_samples<8, 1, 16>(rows_a, y, 0), load_samples<8, 1, 16>(rows_b, y, 0), more);
+        };
+        for_each_row<Shape<8, 8>, 8>(
+            load_row, [&](int n) __attribute__((always_inline)) { rows_a.skip(n), rows_b.skip(n); });
         if (exceeds<kMaxResidual8x8>(v, more)) return exact_satd8x8(a, b, stride_a, stride_b);
     }
     transform_vectors(v);
-    if constexpr (!kFirst || kBytes == 32) transform_groups<8>(v);
+    if constexpr (!kFirst || kVector == 32) transform_groups<8>(v);
     transform_groups<4>(v);
-    Vec<uint32_t, kBytes> sum = {};
-    add_half_magnitudes<kSmall>(sum, v);
+    Vec<uint32_t, kVector> sum = {};
+    add_half_magnitudes<kBytes>(sum, v);
     return (sum_lanes(sum) + 1) >> 1;
 }
 
