@@ -145,7 +145,13 @@ template <int Step, class Metric, class A, class B>
 }
 
 // The widest strip, and the most rows of a strip that a metric's lanes have to hold.
+#if defined(__OPTIMIZE_SIZE__)
+constexpr bool kForSize = true;  // fixed sizes are areas like any other, in narrower strips
+constexpr int kMaxStrip = 16;
+#else
+constexpr bool kForSize = false;
 constexpr int kMaxStrip = 64;
+#endif
 constexpr int kMaxRows = 64;
 
 // Cuts `width` columns into strips of powers of two: f(Constant<W>, x) for each, x being its first column.

@@ -106,7 +106,8 @@ void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int3
         return (Height * stride + Width) * static_cast<ptrdiff_t>(sample);
     };
     const ptrdiff_t written = most_bytes(stride_out, sizeof *out);
-    if ((stride_a | stride_b | stride_out) < 0 || !surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) ||
+    if (kForSize || (stride_a | stride_b | stride_out) < 0 ||
+        !surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) ||
         !surely_apart(out, written, b, most_bytes(stride_b, sizeof *b))) {
         return diff_of_strips(Width, Height, a, b, stride_a, stride_b, stride_out, out);
     }

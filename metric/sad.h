@@ -147,13 +147,8 @@ template <bool Squared, int Width, int MaxStep, class A, class B>
     return metric.total();
 }
 
-template <bool Squared, int Width, int Height, class A, class B>
-uint32_t block_sum(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
-    return strip_sum<Squared, Width, smaller(Height, 16)>(a, b, stride_a, stride_b, Height);
-}
-
-template <bool Squared, class T>
-[[gnu::noinline]] uint32_t sum_of_strips(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a,
+template <bool Squared, class A, class B>
+[[gnu::noinline]] uint32_t sum_of_strips(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
                                          int32_t stride_b) {
     uint32_t sum = 0;
     for_each_band(
@@ -167,6 +162,12 @@ template <bool Squared, class T>
     return sum;
 }
 
+template <bool Squared, int Width, int Height, class A, class B>
+uint32_t block_sum(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+    if constexpr (kForSize) return sum_of_strips<Squared>(Width, Height, a, b, stride_a, stride_b);
+    return strip_sum<Squared, Width, smaller(Height, 16)>(a, b, stride_a, stride_b, Height);
+}
+
 template <bool Squared, class T>
 uint32_t area_sum(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
     uint32_t sum = 0;
@@ -178,7 +179,7 @@ uint32_t area_sum(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a
             sum = block_sum<Squared, kSide, kSide>(a, b, stride_a, stride_b);
         }
     };
-    if (for_common_square(w, h, square)) return sum;
+    if (!kForSize && for_common_square(w, h, square)) return sum;
     return w < 1 ? 0 : sum_of_strips<Squared>(w, h, a, b, stride_a, stride_b);
 }
 
