@@ -147,12 +147,17 @@ template <int Bits>
 //   load_windows(p, offsets)    16 bytes at p + offsets[0], and in a second 128-bit lane those at p + offsets[1]
 //   shuffle(v, indices)         bytes of v by index, 0 to 15, within each lane
 //   shuffle(v, w, indices)      bytes of v and w by index, 0 to 31, within each lane
-//   pair_up(a, b)               eight pairs of bytes from the low bytes of the lanes, arranged as weigh_pairs() wants
-//   them weigh_pairs(v, weights)     for each of the pairs of v the sum of its two bytes times those of the weights (0
-//   to 8) join(a, b)                  32-bit lanes below 2^16 as 16-bit lanes, those of a first narrow_shifted<N>(a, b)
-//   16-bit lanes >> N, below 256, as bytes; in each 128-bit lane those of a first unpack_565, pack_565        between
-//   the two bytes of 5-6-5 words and three channels, low bits dropped and zero
+//   pair_up(a, b)               eight pairs of bytes from the low bytes of the lanes, as weigh_pairs() wants them
+//   weigh_pairs(v, weights)     for each of the pairs of v the sum of its bytes times those of the weights (0 to 8)
+//   join(a, b)                  32-bit lanes below 2^16 as 16-bit lanes, those of a first
+//   narrow_shifted<N>(a, b)     16-bit lanes >> N, below 256, as bytes; in each 128-bit lane those of a first
 
+// ---- End of bilinear sampling ----
+
+// ---- 5-6-5 words ----
+
+// Between the two bytes of a word, GGGBBBBB and RRRRRGGG, and three channels: low bits are dropped on the way in and
+// zero on the way out.
 [[gnu::always_inline]] inline void unpack_565(U8 low, U8 high, U8 &top, U8 &middle, U8 &bottom) {
     top = high & 0xF8;
     middle = (high << 5) | ((low >> 3) & 0x1C);
@@ -164,7 +169,7 @@ template <int Bits>
     high = (top & 0xF8) | (middle >> 5);
 }
 
-// ---- End of bilinear sampling ----
+// ---- End of 5-6-5 words ----
 
 }  // namespace qorv::QORV_ISA
 

@@ -79,18 +79,19 @@ struct Access<ArgbWithoutBlue> {
     }
 };
 
-// A 5-6-5 word is its low byte GGGBBBBB and its high byte RRRRRGGG; low bits are dropped on the way in and zero on the
-// way out.
 template <>
 struct Access<Rgb565> : ByteBlock {
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         U8 low = {}, high = {};
         load_interleaved2(p[0] + 2 * x, low, high);
-        return {{high & 0xF8, (high << 5) | ((low >> 3) & 0x1C), low << 3, splat<U8>(kOpaque)}};
+        Pixels block = {};
+        unpack_565(low, high, block.c[0], block.c[1], block.c[2]);
+        block.c[3] = splat<U8>(kOpaque);
+        return block;
     }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
-        const U8 low = ((block.c[1] << 3) & 0xE0) | (block.c[2] >> 3);
-        const U8 high = (block.c[0] & 0xF8) | (block.c[1] >> 5);
+        U8 low = {}, high = {};
+        pack_565(block.c[0], block.c[1], block.c[2], low, high);
         store_interleaved2(p[0] + 2 * x, low, high);
     }
 };
