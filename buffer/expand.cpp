@@ -64,20 +64,21 @@ void expand_sides(uint8_t *a, int32_t w, int32_t rows, int32_t stride, int32_t s
     }
 }
 
-// The first and the last row, whole strides from the left margin's beginning, to the rows above and below. The last
-// copy would run `beyond` bytes past the plane.
-void expand_up_and_down(uint8_t *left, int32_t rows, ptrdiff_t stride, int32_t above, ptrdiff_t beyond) {
+// The first and the last row, whole strides from the left margin's beginning, to the rows above and below. Where that
+// lies inside the storage's row, each copy runs into the row after it; the last one stops with the block.
+void expand_up_and_down(uint8_t *left, int32_t rows, ptrdiff_t stride, int32_t above, const uint8_t *block_end) {
     if (above == 0) return;
     const size_t bytes = static_cast<size_t>(stride);
     for (int32_t row = above; row > 0; row--) memcpy(left - row * stride, left, bytes);
     uint8_t *below = left + rows * stride;
     const uint8_t *bottom = below - stride;
     for (int32_t row = 1; row < above; row++, below += stride) memcpy(below, bottom, bytes);
-    memcpy(below, bottom, bytes - static_cast<size_t>(beyond));
+    const ptrdiff_t room = block_end - below;
+    memcpy(below, bottom, room > 0 && room < stride ? static_cast<size_t>(room) : bytes);
 }
 
 template <class T>
-void expand_plane(const QORV_IMGB &imgb, uint32_t plane, uint32_t w, uint32_t h, uint32_t unit, uint32_t pad) {
+void expand_plane(const QORV_IMGB &imgb, uint32_t plane, uint32_t w, uint32_t h, uint32_t pad) {
     constexpr ptrdiff_t kSample = sizeof(T);
     uint8_t *a = static_cast<uint8_t *>(imgb.a[plane]);
     const int32_t stride = imgb.s[plane];
@@ -85,9 +86,10 @@ void expand_plane(const QORV_IMGB &imgb, uint32_t plane, uint32_t w, uint32_t h,
     const int32_t side = static_cast<int32_t>(horizontal(pad));
     const int32_t above = static_cast<int32_t>(vertical(pad));
     expand_sides<T>(a, static_cast<int32_t>(w), rows, stride, side, above);
-    // A semi-planar margin is reserved in pairs and filled in bytes, so copies begin inside the storage's rows.
-    const ptrdiff_t indent = side * (static_cast<ptrdiff_t>(horizontal(unit)) - kSample);
-    expand_up_and_down(a - side * kSample, rows, stride, above, rows + 2 * above == imgb.e[plane] ? indent : 0);
+    // A margin may begin inside its storage's row: that of semi-planar chroma is reserved in pairs and filled in bytes,
+    // and a caller may fill less than was reserved.
+    const uint8_t *block_end = static_cast<const uint8_t *>(imgb.baddr[0]) + imgb.bsize;
+    expand_up_and_down(a - side * kSample, rows, stride, above, block_end);
 }
 
 }  // namespace
@@ -104,7 +106,7 @@ extern "C" int32_t qorv_imgb_expand(QORV_IMGB *imgb, const uint32_t *pad) {
     // Luma tells the sample's size: the element of a semi-planar chroma plane is a pair.
     const bool words = horizontal(units[0]) == 2;
     for (uint32_t i = 0; i < planes; i++) {
-        (words ? expand_plane<uint16_t> : expand_plane<uint8_t>)(*imgb, i, w[i], h[i], units[i], pad[i]);
+        (words ? expand_plane<uint16_t> : expand_plane<uint8_t>)(*imgb, i, w[i], h[i], pad[i]);
     }
     return QORV_OK;
 }
