@@ -248,6 +248,8 @@ TEST_F(Imgb, RebirthThatFailsChangesNothing) {
     memcpy(&before, imgb, sizeof before);
     EXPECT_EQ(qorv_imgb_rebirth(imgb, 17, 16, 11, 3, nullptr, nullptr), QORV_ERR_OUT_OF_MEMORY);
     EXPECT_EQ(qorv_imgb_rebirth(imgb, 4, 4, 600, 3, nullptr, nullptr), QORV_ERR_UNSUPPORTED_CS);
+    EXPECT_EQ(qorv_imgb_rebirth(nullptr, 4, 4, 600, 3, nullptr, nullptr), QORV_ERR_UNSUPPORTED_CS);
+    EXPECT_EQ(qorv_imgb_rebirth(nullptr, 4, 4, 11, 3, nullptr, nullptr), QORV_ERR_INVALID_ARG);
     EXPECT_EQ(memcmp(&before, imgb, sizeof before), 0);
     EXPECT_EQ(qorv_imgb_rebirth(imgb, 16, 16, 12, 0, nullptr, nullptr), QORV_ERR_OUT_OF_MEMORY);
     EXPECT_EQ(qorv_imgb_rebirth(imgb, 16, 12, 12, 0, nullptr, nullptr), QORV_OK);
