@@ -6,6 +6,8 @@
 
 namespace qorv {
 
+constexpr int32_t kWordBytes = 4;  // of the cache
+
 // Shifts of a 32-bit word with the count taken modulo 32.
 constexpr uint32_t shift_left(uint32_t word, int32_t count) {
     return word << (count & 31);

@@ -5,7 +5,6 @@ using namespace qorv;
 
 namespace {
 
-constexpr int32_t kWordBytes = 4;
 constexpr uint32_t kReadFailed = 0xFFFFFFFF;
 constexpr uint32_t kRefillFailed = static_cast<uint32_t>(QORV_ERR_BSR_REFILL);
 

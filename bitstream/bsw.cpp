@@ -5,7 +5,6 @@ using namespace qorv;
 
 namespace {
 
-constexpr int32_t kWordBytes = 4;
 constexpr int32_t kWordBits = 32;
 // Above this the codes are longer than a field can be; the length is held there.
 constexpr int32_t kMaxLog2 = 16;

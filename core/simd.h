@@ -37,7 +37,6 @@ template <class T, int Bytes = kVectorBytes>
 using Vec = typename VecOf<T, Bytes>::type;
 
 using U8 = Vec<uint8_t>;
-using I8 = Vec<int8_t>;
 using U16 = Vec<uint16_t>;
 using I16 = Vec<int16_t>;
 using U32 = Vec<uint32_t>;
@@ -132,11 +131,13 @@ template <int Bits>
 //   subtract_saturated(a, b)          of signed lanes, vectors of 16 bytes
 //   add_pairs(sum, a)                 adds pairs of neighbouring lanes below 2^15 to 32-bit lanes
 //   add_squares(sum, a)               adds the squares of lanes below 2^15 to 32-bit lanes, modulo 2^32
-//   widen(a)                          8 or 16 bytes to as many 16-bit lanes
+//   load_widened<Bytes>(p)            8 or 16 bytes from memory as 16-bit lanes
+//   widen_low(a)                      the lower 8 of 16 bytes as 16-bit lanes
 //   exchange<Bytes>(a, b)             of both vectors, a gets the even groups of 4 or 8 bytes, b the odd ones
 //   max_of_pairs(a, b)                the larger one of each pair of neighbouring unsigned lanes of both, in any order
 //   top_bit_set(a)                    whether it is in any 16-bit lane
 //   sum_lanes(a)                      modulo 2^32
+//   kHasSumsAndDifferences            whether sums_and_differences() gives the first stage of a Hadamard transform
 //   kRowsAtHand, kWideRowsAtHand      rows that addressing modes reach from one pointer, if a row is one vector or more
 
 // ---- End of block metrics ----

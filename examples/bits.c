@@ -29,7 +29,7 @@ static int32_t refill_from_nal(QORV_BSR *bsr, int32_t count) {
 }
 
 int main(void) {
-    uint8_t bytes[16]; /* five bytes more than is written: see qorv_bsw_write() */
+    uint8_t bytes[16]; /* at least one more than is written: see qorv_bsw_init() */
     QORV_BSW bsw;
     qorv_bsw_init(&bsw, bytes, sizeof bytes, NULL);
     if (qorv_bsw_write(&bsw, 0x42, 8) != QORV_OK) return 1; /* a profile */

@@ -55,7 +55,7 @@ QORV_API const char *qorv_version(void);
 #define QORV_ERR_IRSZ_NOMEM (-3)          /**< The resizer could not be allocated. */
 #define QORV_ERR_UNSUPPORTED_FMT (-4)     /**< Resizer pixel format not supported. */
 #define QORV_ERR_OUT_OF_MEMORY (-102)     /**< A control record could not be allocated, or a block is too small. */
-#define QORV_ERR_INVALID_ARG (-105)       /**< Null record, or an allocator without its release function. */
+#define QORV_ERR_INVALID_ARG (-105)       /**< Null record, no bytes to copy, or an allocator without its release. */
 #define QORV_ERR_ALLOC_FAILED (-203)      /**< The sample-memory allocator returned null. */
 #define QORV_ERR_BITB_ALLOC_FAILED (-204) /**< The bitstream buffer's allocator returned null. */
 #define QORV_ERR_UNSUPPORTED_CS (-211)    /**< Colour space or conversion pair not supported. */
@@ -67,7 +67,8 @@ QORV_API const char *qorv_version(void);
 
 /**
  * Allocates a block that starts on a 32-byte boundary.
- * @param size  bytes, 0 to 2^31 - 1. Negative values are not checked: -40 to -1 give a tiny block, others null.
+ * @param size  bytes, 0 to 2^31 - 1. Not checked: -40 to -1 give a block too small for the address before it, which
+ *              damages the heap; lower values give null.
  * @return the block, or null when the system has no memory. Freed with qorv_mfree_align32(). The 8 bytes before the
  *         block hold the system allocator's address and must not be written.
  */
@@ -309,8 +310,8 @@ QORV_API int32_t qorv_get_mac_addr(int32_t index, uint8_t *addr);
 
 /**
  * The planes of a picture in the YUV family, or in #QORV_CS_RGB888.
- * @param cs           colour space: the identifiers 10 to 64 above, or #QORV_CS_RGB888. The other packed RGB
- * identifiers are known to the image buffer alone.
+ * @param cs           colour space: the identifiers 10 to 64 above, or #QORV_CS_RGB888. The image buffer alone knows
+ *                     the other packed RGB identifiers.
  * @param widths       four elements. [0] is the picture's width W in pixels and is only read; on success the elements 1
  *                     to planes - 1 receive the other planes' widths in elements, the rest stay as they are.
  * @param heights      as widths, for the heights in rows.
@@ -375,15 +376,16 @@ struct QORV_IMGB {
  * @param h       height in rows, not checked.
  * @param cs      colour space, 10 to 599.
  * @param opt     QORV_IMGB_OPT_* flags; other bits are ignored.
- * @param align   null, or four alignment words (#QORV_IMGB_WORD): horizontal alignment in elements and vertical in
- * rows, powers of two (1: none; 0 gives an aligned size of 0). Packed RGB reads element 0 only.
+ * @param align   null, or four alignment words (#QORV_IMGB_WORD): horizontal alignment in elements, vertical in rows,
+ *                powers of two (1: none; 0 gives an aligned size of 0). Packed RGB reads element 0 only.
  * @param pad     null, or four padding words: elements on the left and on the right, rows above and below. Packed RGB
  *                reads element 0 only.
  * @param alloc   sample-memory allocator, or null for qorv_malloc_align32() (free is then ignored).
  * @param free    its release function.
  * @param status  null, or receives #QORV_OK, #QORV_ERR_INVALID_ARG (alloc without free), #QORV_ERR_OUT_OF_MEMORY (the
  *                record), #QORV_ERR_UNSUPPORTED_CS or #QORV_ERR_ALLOC_FAILED (the block).
- * @return the picture, or null with nothing leaked. The sum of stride x rows must stay below 2^32 bytes.
+ * @return the picture, or null with nothing leaked. The sum of stride x rows must stay below 2^32 bytes; from 2^31 on
+ *         the default allocator fails.
  */
 QORV_API QORV_IMGB *qorv_imgb_create(int32_t w, int32_t h, uint32_t cs, uint32_t opt, const uint32_t *align,
                                      const uint32_t *pad, qorv_alloc_fn alloc, qorv_free_fn free, int32_t *status);
@@ -422,8 +424,8 @@ QORV_API int32_t qorv_imgb_option(QORV_IMGB *imgb, uint32_t opt, uint32_t plane_
  * @param opt    QORV_IMGB_OPT_* flags. Without a padding array none of them is applied, the alignment flag included.
  * @param align  null, or four alignment words.
  * @param pad    null, or four padding words.
- * @return #QORV_OK; or, with no field changed, #QORV_ERR_UNSUPPORTED_CS, or #QORV_ERR_OUT_OF_MEMORY when the block is
- *         too small for the new layout.
+ * @return #QORV_OK; or, with no field changed, #QORV_ERR_UNSUPPORTED_CS, #QORV_ERR_INVALID_ARG for a null picture, or
+ *         #QORV_ERR_OUT_OF_MEMORY when the block is too small for the new layout.
  */
 QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32_t cs, uint32_t opt,
                                    const uint32_t *align, const uint32_t *pad);
@@ -438,13 +440,15 @@ QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32
  * first and the last row, margins included, upwards and downwards.
  *
  * The planes' sizes follow from the aligned picture, aw x ah: where chroma planes were given a finer alignment than
- * luma, their rows reach beyond their storage, so give all planes one alignment word. Odd ends: with unequal halves of
- * a padding word the
- * left run begins `vertical` samples left of the row and is `horizontal` samples long, so it ends inside the row when
- * the horizontal half is the larger one, and leaves a gap when it is the smaller one. The chroma plane of
- * #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, so its pairs are not kept together; the
- * copies up and down begin in the middle of its left margin and, being a whole stride long, run into the margin of the
- * next row (the last one stops with the plane).
+ * luma, their rows reach beyond their storage, so give all planes one alignment word. Odd ends:
+ * - With unequal halves of a padding word the left run begins `vertical` samples left of the row and is `horizontal`
+ *   samples long, so it ends inside the row when the horizontal half is the larger one, and leaves a gap when it is the
+ *   smaller one.
+ * - The chroma plane of #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, so its pairs are not
+ *   kept together.
+ * - The copies up and down are a whole stride long. Where they begin inside the reserved margin (in semi-planar chroma,
+ *   and with less horizontal padding than was reserved) each runs into the left margin of the row after it, after the
+ *   last row into what follows in the block; the block's end is kept.
  *
  * @param imgb  the picture, with the padding reserved at creation.
  * @param pad   one padding word (#QORV_IMGB_WORD) for each plane, normally those given at creation; larger ones write
@@ -557,8 +561,9 @@ typedef struct QORV_VDATA {
  * @param alloc     allocator, or null for qorv_malloc_align32() (free is then ignored).
  * @param free      its release function; taken as given, so it must not be null beside an allocator.
  * @param status    null, or receives #QORV_OK, #QORV_ERR_OUT_OF_MEMORY (the record) or #QORV_ERR_ALLOC_FAILED (a
- * buffer).
- * @return the buffer, or null with nothing leaked. The bytes of one buffer must stay below 2^32.
+ *                  channel's memory).
+ * @return the buffer, or null with nothing leaked. The bytes of one buffer must stay below 2^32; from 2^31 on the
+ *         default allocator fails.
  */
 QORV_API QORV_AUDB *qorv_audb_create(uint32_t samples, int32_t channels, uint32_t bits, uint32_t attr, int32_t layout,
                                      uint64_t unused, qorv_alloc_fn alloc, qorv_free_fn free, int32_t *status);
@@ -817,7 +822,8 @@ struct QORV_BSW {
  * Sets a writer to the beginning of a buffer.
  * @param bsw       the writer; whatever it held is forgotten.
  * @param buf       the buffer.
- * @param size      its bytes. See qorv_bsw_write() and qorv_bsw_write1() for how close to its end they go.
+ * @param size      its bytes: one more than will be written, since the last byte is not always used. See
+ *                  qorv_bsw_write() and qorv_bsw_write1() for how close to the end they go.
  * @param fn_flush  the flush, or null for the default.
  * @return bsw.
  */
@@ -831,8 +837,8 @@ QORV_API QORV_BSW *qorv_bsw_init(QORV_BSW *bsw, void *buf, int32_t size, QORV_BS
 QORV_API int32_t qorv_bsw_deinit(QORV_BSW *bsw);
 
 /**
- * Writes one bit. A cache that fills up is stored as soon as one byte of room is left, so up to three bytes go past a
- * buffer whose size is no multiple of four: leave that slack, or use qorv_bsw_write().
+ * Writes one bit. A cache that fills up is stored as long as one byte of room is left, so where more is written than
+ * there is room for, up to three bytes go past the buffer.
  * @param bsw  the writer.
  * @param bit  bit 0 is written, the others are ignored.
  * @return #QORV_OK; or #QORV_ERR when the cache is full and `cur` is past `end`, the bit being kept in the cache.
@@ -845,8 +851,8 @@ QORV_API int32_t qorv_bsw_write1(QORV_BSW *bsw, uint32_t bit);
  * @param value  the field, below 2^n.
  * @param n      bits, 1 to 32. A 32-bit field that meets an empty cache is stored and left in the cache as well, which
  *               counts as empty: the next bits are or-ed into it. Write such a field in two halves.
- * @return #QORV_OK; or #QORV_ERR when the cache is full and fewer than five bytes remain, with the bits that fitted
- * kept in the cache and nothing else changed.
+ * @return #QORV_OK; or #QORV_ERR when the cache is full and fewer than five bytes remain, with the bits that fitted kept
+ *         in the cache and nothing else changed.
  */
 QORV_API int32_t qorv_bsw_write(QORV_BSW *bsw, uint32_t value, int32_t n);
 
@@ -869,8 +875,8 @@ QORV_API void qorv_bsw_write_se(QORV_BSW *bsw, int32_t value);
  * Writes a truncated Exp-Golomb code, see qorv_bsr_read_te(). Lack of room is not reported.
  * @param bsw    the writer.
  * @param value  the value, at most max.
- * @param max    largest value that can occur. 1: the inverse of bit 0 as one bit, stored as by qorv_bsw_write1(); from
- * 2 on qorv_bsw_write_ue(); below 1 nothing is written.
+ * @param max    largest value that can occur. 1: the inverse of bit 0 as one bit, stored as by qorv_bsw_write1(); from 2
+ *               on qorv_bsw_write_ue(); below 1 nothing is written.
  */
 QORV_API void qorv_bsw_write_te(QORV_BSW *bsw, uint32_t value, int32_t max);
 
