@@ -178,9 +178,7 @@ void AviReader::add_frame(const Chunk &chunk) {
     if (stream < 0) return;
     if (static_cast<size_t>(stream) >= streams_.size()) {
         throw error_at(path_, chunk.offset - kChunkHeader,
-                       "chunk '" + fourcc_text(chunk.id) +
-                           "' of a stream that is not "
-                           "in the header");
+                       "chunk '" + fourcc_text(chunk.id) + "' of a stream that is not in the header");
     }
     if (chunk.size > INT32_MAX) throw error_at(path_, chunk.offset - kChunkHeader, "a frame of 2 GiB or more");
     frames_[static_cast<size_t>(stream)].push_back({chunk.offset, chunk.size, AviFrame::Index::kNone});

@@ -17,7 +17,12 @@ inline Error error_at(const std::string &path, uint64_t offset, const std::strin
     return Error(path + ": at byte " + std::to_string(offset) + ": " + reason);
 }
 
-// The value of --size, WIDTHxHEIGHT.
+// A failure of the command line itself. Exit code 2.
+inline CLI::ValidationError usage_error(const std::string &reason) {
+    return CLI::ValidationError(reason);
+}
+
+// The value of --size, WIDTHxHEIGHT; anything else is a usage error.
 void parse_size(const std::string &text, uint32_t &width, uint32_t &height);
 
 // Each adds one command, with its options and help, to the program.

@@ -198,7 +198,7 @@ void print_json(Y4mReader &a, Y4mReader &b) {
 }
 
 void compare_command(const Options &options) {
-    if (options.a == "-" && options.b == "-") throw Error("only one of the streams can be standard input");
+    if (options.a == "-" && options.b == "-") throw usage_error("only one of the streams can be standard input");
     Y4mReader a(options.a), b(options.b);
     check_formats(a, b);
     if (options.json) {

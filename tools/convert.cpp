@@ -151,12 +151,10 @@ void y4m_to_png(const Options &options) {
 
 void write_y4m(const std::string &path, const QORV_IMGB &imgb) {
     const bool deep = imgb.cs == QORV_CS_P410, alpha = imgb.cs == QORV_CS_YUVA444;
+    const char *const samples = deep ? "p10" : alpha ? "alpha" : "";
     const std::string partial = path + ".partial";
     std::ofstream file(partial, std::ios::binary);
-    file << "YUV4MPEG2 W" << imgb.w << " H" << imgb.h << " F25:1 Ip A1:1 C444"
-         << (deep    ? "p10"
-             : alpha ? "alpha"
-                     : "")
+    file << "YUV4MPEG2 W" << imgb.w << " H" << imgb.h << " F25:1 Ip A1:1 C444" << samples
          << " XCOLORRANGE=FULL\nFRAME\n";
     for (int i = 0; i < (alpha ? 4 : 3); i++) {
         for (int32_t y = 0; y < imgb.h; y++) {
@@ -202,7 +200,7 @@ bool ends_with(const std::string &text, const std::string &end) {
 void convert_command(const Options &options) {
     if (ends_with(options.in, ".png") && ends_with(options.out, ".y4m")) return png_to_y4m(options);
     if (ends_with(options.out, ".png")) return y4m_to_png(options);
-    throw Error(options.out + ": give OUT.png for a Y4M stream, OUT.y4m for a PNG picture");
+    throw usage_error(options.out + ": give OUT.png for a Y4M stream, OUT.y4m for a PNG picture");
 }
 
 }  // namespace
@@ -219,7 +217,8 @@ void add_convert_command(CLI::App &app) {
                      "argb8888 needs a stream with alpha")
         ->check(CLI::IsMember(pixel_format_names()));
     command->add_option("--size", options->size, "WIDTHxHEIGHT of the picture: scales in the same pass");
-    CLI::Option *frame = command->add_option("--frame", options->frame, "Which frame, counted from 0 (default 0)");
+    CLI::Option *frame = command->add_option("--frame", options->frame, "Which frame, counted from 0 (default 0)")
+                             ->check(CLI::Range(uint64_t{0}, uint64_t{UINT32_MAX}));
     command->add_flag("--all", options->all, "Every frame, to OUT-00000.png, OUT-00001.png, ...")->excludes(frame);
     command->footer(
         "Colours are full-range BT.601. Examples:\n"

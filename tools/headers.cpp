@@ -109,7 +109,7 @@ const Codec &choose_codec(const Options &options) {
     for (const char *hevc : {"hevc", "h265", "265"}) {
         if (name == hevc) return kHevc;
     }
-    throw Error(options.in + ": the name tells no codec; give --codec h264 or --codec hevc");
+    throw usage_error(options.in + ": the name tells no codec; give --codec h264 or --codec hevc");
 }
 
 void print_sequence(const SequenceHeader &header, const Codec &codec) {

@@ -11,6 +11,13 @@ int main(int argc, char **argv) {
     app.require_subcommand(1);
     app.set_version_flag("--version", std::to_string(QORV_VERSION_MAJOR) + "." + std::to_string(QORV_VERSION_MINOR) +
                                           "." + std::to_string(QORV_VERSION_PATCH));
+    app.failure_message([](const CLI::App *program, const CLI::Error &error) {
+        const std::vector<std::string> unknown = program->remaining();
+        if (program->get_subcommands().empty() && !unknown.empty()) {
+            return "qorv: there is no command or option '" + unknown[0] + "'\nRun with --help for more information.\n";
+        }
+        return "qorv: " + CLI::FailureMessage::simple(program, error);
+    });
     app.footer(
         "Run 'qorv COMMAND --help' for the options of a command.\n"
         "Exit codes: 0 success, 1 the work failed (the reason is on standard error), 2 wrong usage.");
@@ -30,6 +37,10 @@ int main(int argc, char **argv) {
         return 1;
     } catch (const std::exception &error) {
         std::fprintf(stderr, "qorv: %s\n", error.what());
+        return 1;
+    }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fprintf(stderr, "qorv: standard output could not be written\n");
         return 1;
     }
     return 0;

@@ -48,6 +48,10 @@ void Y4mReader::fail(uint64_t offset, const std::string &reason) const {
     throw error_at(path_, offset, reason);
 }
 
+void Y4mReader::check_read() const {
+    if (std::ferror(file_.get()) != 0) fail(offset_, std::string("cannot be read: ") + std::strerror(errno));
+}
+
 std::string Y4mReader::read_line(const char *what) {
     const uint64_t start = offset_;
     std::string line;
@@ -57,7 +61,8 @@ std::string Y4mReader::read_line(const char *what) {
         if (line.size() == kMaxLine) fail(start, std::string("the ") + what + " is longer than 1024 bytes");
         line.push_back(static_cast<char>(c));
     }
-    fail(start, std::string("the stream ends inside the ") + what);
+    check_read();
+    fail(start, offset_ == 0 ? "the stream is empty" : std::string("the stream ends inside the ") + what);
 }
 
 void Y4mReader::parse_header(const std::string &line) {
@@ -142,7 +147,7 @@ void Y4mReader::lay_out() {
 bool Y4mReader::next(std::vector<uint8_t> &frame) {
     const int first = std::fgetc(file_.get());
     if (first == EOF) {
-        if (std::ferror(file_.get()) != 0) fail(offset_, std::string("cannot be read: ") + std::strerror(errno));
+        check_read();
         return false;
     }
     std::ungetc(first, file_.get());
@@ -159,6 +164,7 @@ bool Y4mReader::next(std::vector<uint8_t> &frame) {
         const size_t got = std::fread(frame.data() + had, 1, wanted, file_.get());
         offset_ += got;
         if (got != wanted) {
+            check_read();
             fail(offset_, "the stream is truncated: frame " + std::to_string(frames_) + " has " +
                               std::to_string(had + got) + " of " + std::to_string(format_.frame_bytes) + " bytes");
         }

@@ -41,6 +41,7 @@ public:
 
 private:
     [[noreturn]] void fail(uint64_t offset, const std::string &reason) const;
+    void check_read() const;  // that the file has ended and not failed
     std::string read_line(const char *what);
     void parse_header(const std::string &line);
     void parse_colour(const std::string &tag);

@@ -88,13 +88,17 @@ for arguments, reason in (
         (("claims.y4m", "no.png"), "no picture buffer of 32768x32768"),
         (("missing.y4m", "no.png"), "cannot be opened"),
         (("rgb888.png", "no.png"), "not a YUV4MPEG2 stream"),
-        (("plain.y4m", "missing/no.png"), "cannot be written"),
-        (("plain.y4m", "no.bmp"), "give OUT.png"),
-        (("plain.y4m", "no.png", "--size", "0x4"), "WIDTHxHEIGHT")):
+        (("plain.y4m", "missing/no.png"), "cannot be written")):
     error = qorv("convert", *arguments, status=1)
     assert reason in error, (arguments, error)
-qorv("convert", "plain.y4m", status=2)
-qorv("convert", "plain.y4m", "no.png", "--format", "cmyk", status=2)
+for arguments, reason in (
+        (("no.bmp",), "give OUT.png"),
+        (("no.png", "--size", "0x4"), "WIDTHxHEIGHT"),
+        (("no.png", "--frame", "-1"), "not in range"),
+        (("no.png", "--format", "cmyk"), "rgb565"),
+        ((), "OUT is required")):
+    error = qorv("convert", "plain.y4m", *arguments, status=2)
+    assert reason in error, (arguments, error)
 assert not [name for name in os.listdir() if name.startswith("no.") or name.endswith(".partial")]
 assert "the stream is truncated" in qorv("md5", "claims.y4m", status=1)
 survives_damage("plain.y4m", "md5")

@@ -83,6 +83,6 @@ for content, offset in [(b"", 0), (b"\0\0\0", 3), (b"\0\0\1", 3), (b"\0\0\0\1\0\
     with open("odd.h264", "wb") as file:
         file.write(content)
     assert f"odd.h264: at byte {offset}: " in qorv("headers", "odd.h264", status=1), content
-qorv("headers", "stream.unknown", status=1)
+assert "give --codec" in qorv("headers", "stream.unknown", status=2)
 survives_damage("stream.h264", "headers")
 survives_damage("stream.hevc", "headers")

@@ -36,3 +36,8 @@ ffmpeg("-f", "lavfi", "-i", "testsrc2=size=352x288", "-frames:v", "20", "-c:v", 
 ffmpeg("-i", "clip.mp4", "clip.y4m")
 assert qorv("md5", "clip.y4m")[-1] == ffmpeg("-i", "clip.mp4", "-c:v", "rawvideo", "-f", "md5", "-").decode().strip()
 qorv("md5", "missing.y4m", status=1)
+assert "empty" in qorv("md5", "-", stdin=b"", status=1)
+assert ".: at byte 0: cannot be read: Is a directory" in qorv("md5", ".", status=1)
+with open("/dev/full", "wb") as full:
+    assert "standard output" in qorv("md5", "clip.y4m", stdout=full, status=1)
+assert "no command or option 'md6'" in qorv("md6", "clip.y4m", status=2)

@@ -22,9 +22,10 @@ def _limit():
         resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
 
 
-def qorv(*arguments, stdin=None, status=0):
+def qorv(*arguments, stdin=None, stdout=subprocess.PIPE, status=0):
     """Runs the program, which must end with `status` (None: success, or a failure that is reported)."""
-    done = subprocess.run([QORV, *arguments], input=stdin, capture_output=True, timeout=60, preexec_fn=_limit)
+    done = subprocess.run([QORV, *arguments], input=stdin, stdout=stdout, stderr=subprocess.PIPE, timeout=60,
+                          preexec_fn=_limit)
     error = done.stderr.decode(errors="replace")
     if status is None:
         assert done.returncode in (0, 1) and (done.returncode == 0) == (error == ""), (arguments, done)

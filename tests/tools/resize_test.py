@@ -64,14 +64,15 @@ for source, name, pixels in (("rgb888", "gray", luma), ("gray", "rgb888", [3 * p
 
 with open("broken.png", "wb") as broken, open("rgb888.png", "rb") as file:
     broken.write(file.read()[:200])
-for arguments, reason in ((("rgb888.png", "no.png", "--size", "0x4"), "WIDTHxHEIGHT"),
-                          (("rgb888.png", "no.png", "--size", "12"), "WIDTHxHEIGHT"),
-                          (("rgb888.png", "no.png", "--size", "40000x2"), "WIDTHxHEIGHT"),
-                          (("missing.png", "no.png", "--size", "4x4"), "missing.png: cannot be read as PNG"),
-                          (("broken.png", "no.png", "--size", "4x4"), "broken.png: cannot be read as PNG"),
-                          (("rgb888.png", "missing/no.png", "--size", "4x4"), "missing/no.png: cannot be written")):
-    error = qorv("resize", *arguments, status=1)
+for paths, reason in ((("missing.png", "no.png"), "missing.png: cannot be read as PNG"),
+                      (("broken.png", "no.png"), "broken.png: cannot be read as PNG"),
+                      (("rgb888.png", "missing/no.png"), "missing/no.png: cannot be written")):
+    error = qorv("resize", *paths, "--size", "4x4", status=1)
+    assert reason in error, (paths, error)
+for arguments, reason in (((), "--size is required"),
+                          *((("--size", size), "WIDTHxHEIGHT") for size in ("0x4", "12", "40000x2", "3x4x5", "-1x4")),
+                          (("--size", "4x4", "--format", "cmyk"), "rgb565"),
+                          (("--size", "4x4", "--band-height", "0"), "not in range")):
+    error = qorv("resize", "rgb888.png", "no.png", *arguments, status=2)
     assert reason in error, (arguments, error)
-for arguments in ((), ("--size", "4x4", "--format", "cmyk"), ("--size", "4x4", "--band-height", "0")):
-    qorv("resize", "rgb888.png", "no.png", *arguments, status=2)
 assert not [name for name in os.listdir() if name.startswith("no.") or name.endswith(".partial")]
