@@ -36,12 +36,14 @@ void convert(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *co
 
 }  // namespace
 
+// clang-format off
 constinit const CscKernels csc_kernels = {
     .block = kVectorBytes,
+    .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
 #undef QORV_KERNEL_ENTRY
-        .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 };
+// clang-format on
 
 }  // namespace qorv::QORV_ISA

@@ -14,11 +14,11 @@ using CscKernel = void (*)(const uint8_t *const *src, const ptrdiff_t *src_strid
                            const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
 
 struct CscKernels {
-    ptrdiff_t block;  // pixels that every kernel can convert at a time
+    ptrdiff_t block;        // pixels that every kernel can convert at a time
+    CscKernel drop_2_bits;  // one plane of words to one of bytes: bits 9..2 of each sample
 #define QORV_KERNEL_MEMBER(name, source, colour, dest) CscKernel name;
     QORV_CSC_CONVERTERS(QORV_KERNEL_MEMBER)
 #undef QORV_KERNEL_MEMBER
-    CscKernel drop_2_bits;  // one plane of words to one of bytes: bits 9..2 of each sample
 };
 
 }  // namespace qorv

@@ -913,9 +913,8 @@ QORV_API int32_t qorv_bsw_size_se(int32_t value);
  *  stride >> 1 words a row, so an odd stride loses its last byte.
  *
  *  A destination that overlaps a source or another destination gives the result of the per-pixel loop: rows from the
- *  first, pixels from the left, all samples of a pixel read before its first is written.
- *  That is exact but slow, about 15 ns a pixel, unless destinations lie exactly on sources or the rows keep clear of
- * each other.
+ *  first, pixels from the left, all samples of a pixel read before its first is written. That is exact but slow, about
+ *  15 ns a pixel, unless destinations lie exactly on sources or the rows keep clear of each other.
  *
  *  Converters take no memory from the heap; those that do not scale take at most 8 KiB of stack.
  *  @{ */
@@ -1042,7 +1041,7 @@ QORV_API void qorv_csc_yuv444a8_to_rgb565a8(const void *const *src, int32_t src_
 
 /**
  *  Planes Y, U, V, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three
- * bytes apart. The bytes between the alpha bytes are left as they were.
+ *  bytes apart. The bytes between the alpha bytes are left as they were.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -1147,7 +1146,7 @@ QORV_API void qorv_csc_r8g8b8a8_to_bgra8888(const void *const *src, int32_t src_
 
 /**
  *  Planes R, G, B, A to 5-6-5 words through dst[0], packed two bytes a pixel, and alpha bytes through dst[1], three
- * bytes apart. The bytes between the alpha bytes are left as they were. In no table.
+ *  bytes apart. The bytes between the alpha bytes are left as they were. In no table.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_r8g8b8a8_to_rgba5658(const void *const *src, int32_t src_w, int32_t src_h,
                                             const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -1186,8 +1185,8 @@ QORV_API void qorv_csc_r10g10b10_to_p410(const void *const *src, int32_t src_w, 
 
 /**
  *  Three planes of 10-bit 4:2:0 in words to three planes of bytes: (sample >> 2) & 255, no rounding, no clamping.
- * Source strides are in bytes and rounded down to even, destination strides in bytes. Chroma is (src_w >> 1) x (src_h
- * >> 1): an odd picture's last chroma column and row are not converted. In no table.
+ *  Source strides are in bytes and rounded down to even, destination strides in bytes. Chroma planes are src_w >> 1
+ *  wide and src_h >> 1 high: an odd picture's last chroma column and row are not converted. In no table.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                       uint64_t unused, void *const *dst, int32_t dst_w, int32_t dst_h,
@@ -1195,8 +1194,8 @@ QORV_API void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int
 
 /**
  *  Copies planes Y, U, V of bytes, and the alpha plane when dst_cs is #QORV_CS_YUVA444 and src[3] is not null. Each row
- * is copied byte by byte from the left: a destination 1 to src_w - 1 bytes behind its source repeats the row's
- * beginning.
+ *  is copied byte by byte from the left: a destination 1 to src_w - 1 bytes behind its source repeats the row's
+ *  beginning.
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -1208,7 +1207,7 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
  *  Planes are sampled bilinearly on the grid of the resizer (see there for steps, decimation and weights), each sample
  *  (w0 A + w1 B + w2 C + w3 D) >> 6, and the samples converted as by the converter of the same name without "rsz". The
  *  source must be at least one pixel wide and high; sides up to 32768 are right. Equal sizes are not a copy: the step
- * is slightly below one pixel. dst_w or dst_h below 1 writes nothing. At most 32 KiB of stack are taken.
+ *  is slightly below one pixel. dst_w or dst_h below 1 writes nothing. At most 32 KiB of stack are taken.
  *  @{ */
 /** Planes R, G, B to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
  *  @copydetails qorv_csc_fn */
@@ -1280,7 +1279,7 @@ QORV_API void qorv_csc_rsz_yuv444a8_to_rgb565a8(const void *const *src, int32_t 
  *  exist: a source may be one pixel wide or high.
  *
  *  Sides up to 32768 samples are right. Source and destination must not overlap. The kernels take no memory from the
- * heap and at most 32 KiB of stack.
+ *  heap and at most 32 KiB of stack.
  *
  *  | format | pixels                                   | pitches of the record and of _full |
  *  |--------|------------------------------------------|------------------------------------|
@@ -1307,7 +1306,7 @@ typedef struct QORV_IRSZ_PARAM {
     int32_t mode;       /**< 10: whole pictures; 11: one picture in bands of rows. */
     int32_t src_w;      /**< Source width in pixels. */
     int32_t src_h;      /**< Source height in rows. */
-    int32_t src_stride; /**< Pixels from one source row to the next. */
+    int32_t src_stride; /**< Pixels from one source row to the next; in band mode at least src_w. */
     int32_t band_h;     /**< Band mode: rows of a band, at least 1. */
     int32_t dst_w;      /**< Destination width in pixels. */
     int32_t dst_h;      /**< Destination height in rows. */
@@ -1463,8 +1462,8 @@ QORV_API void qorv_irsz8b8b8b_line(const uint8_t *const *rows, const uint8_t *we
 
 /**
  * The kernel of a resizer of format 23: three 8-bit samples to a 5-6-5 word; qorv_irsz() calls it.
- * The first sample goes to bits 15..11, the second to 10..5, the third to 4..0, each sum
- * losing its low bits: S0 >> 9, S1 >> 8, S2 >> 9 of sums that are at most 16320. Words are stored low byte first.
+ * The first sample goes to bits 15..11, the second to 10..5, the third to 4..0, each sum losing its low bits: S0 >> 9,
+ * S1 >> 8, S2 >> 9 of sums that are at most 16320. Words are stored low byte first.
  * @param rsz        the resizer.
  * @param src        as for qorv_irsz().
  * @param first_row  as for qorv_irsz().
@@ -1502,8 +1501,8 @@ QORV_API void qorv_irsz8b8b8b_5b6b5b_line(const uint8_t *const *rows, const uint
 
 /**
  * The kernel of a resizer of format 25: 5-6-5 words; qorv_irsz() calls it.
- * Fields are widened with zero low bits, sampled, and packed by dropping the low bits. Words are
- * stored low byte first and need no alignment.
+ * Fields are widened with zero low bits, sampled, and packed by dropping the low bits. Words are stored low byte first
+ * and need no alignment.
  * @param rsz        the resizer.
  * @param src        as for qorv_irsz().
  * @param first_row  as for qorv_irsz().

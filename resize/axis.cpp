@@ -6,7 +6,7 @@ namespace qorv {
 
 namespace {
 
-// The smallest shift that leaves at most two samples of each kind to a destination sample, up to 4.
+// The smallest shift, at most 4, after which no more than two source samples go to a destination sample.
 int decimation_shift(int64_t ratio) {
     int shift = 0;
     while (shift < 4 && ratio > int64_t{2} << shift) shift++;
@@ -34,7 +34,8 @@ extern "C" void bilinear_rsz_step_size(int32_t src_w, int32_t src_h, int32_t dst
     *step_y = qorv::packed(qorv::axis_between(src_h, dst_h));
 }
 
-// Weights of the four neighbours for a position of fx and fy eighths; they sum to 64.
+// Weights of the four neighbours for a position of fx and fy eighths; they sum to 64. Macros, as no function can
+// initialise the arrays that the header declares.
 #define QORV_WEIGHTS(fx, fy) \
     { (8 - (fx)) * (8 - (fy)), (fx) * (8 - (fy)), (8 - (fx)) * (fy), (fx) * (fy) }
 #define QORV_WEIGHT_ROW(fx)                                                                                  \

@@ -31,6 +31,13 @@ inline Grid grid_between(int32_t src_w, int32_t src_h, int32_t dst_w, int32_t ds
     return {.x = x, .y = axis_between(src_h, dst_h), .neighbour = 1 << x.shift, .first_y = 0, .w = dst_w, .h = dst_h};
 }
 
+// Pixels of a source row from its first to the last one that may be read: the right neighbour of the last column's.
+// With a step of 0 there is none: behind it is a source of one pixel.
+[[gnu::always_inline]] inline int64_t source_pixels(const Grid &grid) {
+    const int64_t last = (grid.w - 1) * grid.x.step >> kPositionBits << grid.x.shift;
+    return last + (grid.x.step != 0 ? grid.neighbour : 0) + 1;
+}
+
 // Any overlap of source and destination is excluded.
 struct ResizeJob {
     Grid grid;

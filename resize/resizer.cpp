@@ -69,10 +69,8 @@ void hold_row(const Format &format, QORV_IRSZ &rsz, const ResizeJob &job, int64_
     const int64_t upper = upper_row(rsz, y);
     const bool straddles = rsz.dst_row < rsz.dst_h && upper < end;
     if (straddles && upper >= job.rows.first) {
-        const int64_t pixels = ((rsz.dst_w - 1) * int64_t{rsz.step_x} >> kPositionBits << rsz.shift_x) +
-                               (rsz.step_x != 0 ? rsz.pel_step : 0) + 1;
         memcpy(rsz.line_buf, job.rows.base + (upper - job.rows.first) * job.rows.stride,
-               static_cast<size_t>(pixels * format.src_bytes));
+               static_cast<size_t>(source_pixels(job.grid) * format.src_bytes));
     }
     rsz.row_cached = straddles;
     rsz.band_flag = straddles;
@@ -137,7 +135,7 @@ void resize_line(const Format &format, const uint8_t *const *rows, const uint8_t
                  .dst_stride = 0});
 }
 
-// Fills everything but the kernel's buffer.
+// Fills everything but line_buf; what only band mode changes is zero already.
 void set_up(QORV_IRSZ &rsz, const QORV_IRSZ_PARAM &param, const Format &format) {
     const Axis x = axis_between(param.src_w, param.dst_w), y = axis_between(param.src_h, param.dst_h);
     rsz.format = param.format;

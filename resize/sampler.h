@@ -74,7 +74,6 @@ struct Columns {
         neighbour = x_step == 0 ? 0 : grid.neighbour;
         const bool pick = x_step > kMaxStep || span(x_step) > 2 * kWindow || (x_step != 0 && neighbour != 1 << shift);
         wide = span(pick ? 2 * kOne : x_step) > kWindow;
-        const int64_t last = ((grid.w - 1) * x_step >> kPositionBits << shift) + neighbour;
         if (pick) {
             fetch = Fetch::kPick;
             pixels = 2 * count;
@@ -82,7 +81,7 @@ struct Columns {
         } else {
             fetch = Fetch::kCompact;
             pixels = static_cast<int>((end >> kPositionBits) - first_pixel) + (x_step != 0 ? 2 : 1);
-            lay_windows(static_cast<ptrdiff_t>(last + 1) * Pixel::kMemory);
+            lay_windows(static_cast<ptrdiff_t>(source_pixels(grid)) * Pixel::kMemory);
         }
     }
 
@@ -147,26 +146,6 @@ private:
         }
     }
 };
-
-// Every 2^Shift-th byte, from the first on, of as many vectors.
-template <int Shift>
-[[gnu::always_inline]] inline U8 every_nth_byte(const uint8_t *p) {
-    if constexpr (Shift == 0) {
-        return load<U8>(p);
-    } else {
-        const U8 first = every_nth_byte<Shift - 1>(p);
-        const U8 second = every_nth_byte<Shift - 1>(p + (kVectorBytes << (Shift - 1)));
-        return low_bytes((U16)first, (U16)second);
-    }
-}
-
-// Copies spaced bytes in whole vectors, short of the last one, behind which nothing may be read. Returns how many.
-template <int Shift>
-[[gnu::always_inline]] inline int copy_spaced_vectors(uint8_t *to, const uint8_t *from, int count) {
-    int i = 0;
-    for (; i + kVectorBytes < count; i += kVectorBytes) store(to + i, every_nth_byte<Shift>(from + (i << Shift)));
-    return i;
-}
 
 // Every second or every fourth byte.
 template <int Shift>
