@@ -152,6 +152,7 @@ template <int Bits>
 //   weigh_pairs(v, weights)     for each of the pairs of v the sum of its bytes times those of the weights (0 to 8)
 //   join(a, b)                  32-bit lanes below 2^16 as 16-bit lanes, those of a first
 //   narrow_shifted<N>(a, b)     16-bit lanes >> N, below 256, as bytes; in each 128-bit lane those of a first
+//   store_interleaved2(p, a, b)  words of a and b in turn
 
 // ---- End of bilinear sampling ----
 

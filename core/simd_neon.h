@@ -10,7 +10,8 @@ namespace qorv::QORV_ISA {
 template <int A, int B>
 [[gnu::always_inline]] inline uint16x8_t weighted_half(uint8x8_t a, uint8x8_t b) {
     constexpr auto kA = static_cast<uint8_t>(A < 0 ? -A : A), kB = static_cast<uint8_t>(B < 0 ? -B : B);
-    if constexpr (A < 0 || (A == 0 && B < 0)) {  // at least one product is to be subtracted, and no other comes first
+    // A product is subtracted from another one; where no product is to be added, the whole is negated.
+    if constexpr (A < 0 || (A == 0 && B < 0)) {
         if constexpr (B > 0) return vmlsl_u8(vmull_u8(b, vdup_n_u8(kB)), a, vdup_n_u8(kA));
         return vreinterpretq_u16_s16(vnegq_s16(vreinterpretq_s16_u16(weighted_half<-A, -B>(a, b))));
     } else if constexpr (B == 0) {

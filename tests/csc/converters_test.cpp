@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <numeric>
+#include <string>
+#include <vector>
 
 #include "csc/converter_list.h"
 #include "support/csc_reference.h"
@@ -44,19 +47,32 @@ void run(const CscCase &c, const Call &call, int32_t w, int32_t h) {
     c.fn(call.src, w, h, call.src_stride, ~uint64_t{0}, call.dst, -1, -1, call.dst_stride, -1);
 }
 
-// Ours and the reference on the same random memory: every byte must agree, those outside the picture included.
-void expect_same(const CscCase &c, const Placement &placement, size_t bytes, int32_t w, int32_t h, Random &random) {
-    std::vector<uint8_t> ours(bytes), expected;
-    for (uint8_t &byte : ours) byte = static_cast<uint8_t>(random());
-    expected = ours;
-    run(c, at(ours.data(), placement), w, h);
-    const Call call = at(expected.data(), placement);
-    csc_reference(c, call.src, w, h, call.src_stride, call.dst, call.dst_stride);
-    if (ours == expected) return;
+// Runs ours(call) and reference(call) on the same random memory: every byte must agree, those outside the picture
+// included.
+template <class Ours, class Reference>
+void expect_same_memory(const Placement &placement, size_t bytes, Random &random, Ours ours, Reference reference,
+                        const std::string &what) {
+    std::vector<uint8_t> memory(bytes), expected;
+    for (uint8_t &byte : memory) byte = static_cast<uint8_t>(random());
+    expected = memory;
+    ours(at(memory.data(), placement));
+    reference(at(expected.data(), placement));
+    if (memory == expected) return;
     const size_t where =
-        static_cast<size_t>(std::mismatch(ours.begin(), ours.end(), expected.begin()).first - ours.begin());
-    FAIL() << c.name << " " << w << "x" << h << ": byte " << where << " is " << int{ours[where]} << ", not "
-           << int{expected[where]} << "; first destination at " << placement.dst.back();
+        static_cast<size_t>(std::mismatch(memory.begin(), memory.end(), expected.begin()).first - memory.begin());
+    FAIL() << what << ": byte " << where << " is " << int{memory[where]} << ", not " << int{expected[where]}
+           << "; last destination at " << placement.dst.back();
+}
+
+std::string text(int32_t w, int32_t h) {
+    return std::to_string(w) + "x" + std::to_string(h);
+}
+
+void expect_same(const CscCase &c, const Placement &placement, size_t bytes, int32_t w, int32_t h, Random &random) {
+    expect_same_memory(
+        placement, bytes, random, [&](const Call &call) { run(c, call, w, h); },
+        [&](const Call &call) { csc_reference(c, call.src, w, h, call.src_stride, call.dst, call.dst_stride); },
+        c.name + (" " + text(w, h)));
 }
 
 enum class Channels { kCanonical, kReversed, kUnrelated };
@@ -81,17 +97,18 @@ void place(const std::vector<CscPointer> &pointers, Channels channels, Strides s
     }
 }
 
-// The same for a scaling converter.
 void expect_same_scaled(const CscScalingCase &c, const Placement &placement, size_t bytes, int32_t src_w, int32_t src_h,
                         int32_t dst_w, int32_t dst_h, Random &random) {
-    std::vector<uint8_t> ours(bytes), expected;
-    for (uint8_t &byte : ours) byte = static_cast<uint8_t>(random());
-    expected = ours;
-    const Call call = at(ours.data(), placement), reference = at(expected.data(), placement);
-    c.fn(call.src, src_w, src_h, call.src_stride, ~uint64_t{0}, call.dst, dst_w, dst_h, call.dst_stride, -1);
-    csc_scaling_reference(*c.unscaled, reference.src, src_w, src_h, reference.src_stride, reference.dst, dst_w, dst_h,
-                          reference.dst_stride);
-    ASSERT_TRUE(ours == expected) << c.name << " " << src_w << "x" << src_h << " to " << dst_w << "x" << dst_h;
+    expect_same_memory(
+        placement, bytes, random,
+        [&](const Call &call) {
+            c.fn(call.src, src_w, src_h, call.src_stride, ~uint64_t{0}, call.dst, dst_w, dst_h, call.dst_stride, -1);
+        },
+        [&](const Call &call) {
+            csc_scaling_reference(*c.unscaled, call.src, src_w, src_h, call.src_stride, call.dst, dst_w, dst_h,
+                                  call.dst_stride);
+        },
+        c.name + (" " + text(src_w, src_h) + " to " + text(dst_w, dst_h)));
 }
 
 class Converters : public WithKernelSet {};
@@ -219,7 +236,7 @@ TEST_P(Converters, NothingOutsideThePictureIsTouched) {
                     }
                 };
                 add(c.src, call.src, call.src_stride);
-                for (const GuardedBuffer &plane : planes) const_cast<GuardedBuffer &>(plane).protect(true);
+                for (GuardedBuffer &plane : planes) plane.protect(true);
                 add(c.dst, call.dst, call.dst_stride);
                 run(c, call, w, 2);
                 for (const GuardedBuffer &plane : planes) ASSERT_TRUE(plane.slack_intact()) << c.name << " " << w;
@@ -396,11 +413,55 @@ TEST(PlaneCopier, CopiesForwardAndTakesAlphaOnDemand) {
     }
 }
 
+const CscCase &case_named(const char *name) {
+    const auto &cases = csc_cases();
+    return *std::find_if(cases.begin(), cases.end(), [&](const CscCase &c) { return strcmp(c.name, name) == 0; });
+}
+
+// Colours worked out by hand, so that a slip which reference and code have in common does not go unseen: black, white
+// and gray, the colours at the ends of the ranges, and the two that leave them.
+TEST_P(Converters, KnownColours) {
+    const struct {
+        const char *name;
+        std::vector<uint16_t> in, out;
+    } known[] = {
+        {"yuv444_to_r8g8b8", {0, 128, 128}, {0, 0, 0}},
+        {"yuv444_to_r8g8b8", {255, 128, 128}, {255, 255, 255}},
+        {"yuv444_to_r8g8b8", {0, 0, 0}, {0, 135, 0}},
+        {"yuv444_to_r8g8b8", {255, 128, 255}, {255, 164, 255}},
+        {"yuv444_to_rgb565", {255, 128, 128}, {0xFFFF}},
+        {"r8g8b8_to_yuv444", {0, 0, 0}, {0, 128, 128}},
+        {"r8g8b8_to_yuv444", {255, 255, 255}, {255, 128, 128}},
+        {"r8g8b8_to_yuv444", {255, 0, 0}, {77, 85, 255}},
+        {"r8g8b8_to_yuv444", {0, 255, 0}, {149, 43, 21}},
+        {"r8g8b8_to_yuv444", {0, 0, 255}, {29, 255, 107}},
+        {"r8g8b8_to_yuv444", {255, 255, 0}, {226, 1, 149}},
+        {"rgb565_to_yuv444", {0xFFFF}, {250, 127, 126}},
+        {"r8g8b8_to_rgb565", {255, 255, 255}, {0xFFFF}},
+        {"r8g8b8_to_rgb565", {8, 4, 8}, {0x0821}},
+        {"r8g8b8_to_rgb565", {7, 3, 7}, {0}},
+        {"p410_to_r10g10b10", {0, 512, 512}, {0, 0, 0}},
+        {"p410_to_r10g10b10", {1023, 512, 512}, {1023, 1023, 1023}},
+        {"p410_to_r10g10b10", {512, 1023, 1023}, {1023, 0, 1023}},
+        {"r10g10b10_to_p410", {1023, 1023, 1023}, {1023, 512, 512}},
+        {"r10g10b10_to_p410", {1023, 0, 0}, {308, 340, 1024}},
+        {"r10g10b10_to_p410", {0, 0, 1023}, {116, 1024, 428}},
+    };
+    for (const auto &k : known) {
+        const CscCase &c = case_named(k.name);
+        std::vector<uint16_t> in = k.in, out(k.out.size());
+        Call call;
+        // A byte is the low one of its word.
+        for (size_t i = 0; i < in.size(); i++) call.src[i] = &in[i];
+        for (size_t i = 0; i < out.size(); i++) call.dst[i] = &out[i];
+        run(c, call, 1, 1);
+        EXPECT_EQ(out, k.out) << k.name << " of " << ::testing::PrintToString(k.in);
+    }
+}
+
 // All 2^24 triples through each formula, all 2^16 words through the 5-6-5 source.
 void expect_exhaustive(const char *name) {
-    const auto &cases = csc_cases();
-    const CscCase &c =
-        *std::find_if(cases.begin(), cases.end(), [&](const CscCase &x) { return !strcmp(x.name, name); });
+    const CscCase &c = case_named(name);
     const bool words = c.src[0].what == 'W';
     std::vector<uint8_t> src(3 * 65536), ours(3 * 65536), expected(3 * 65536);
     for (size_t i = 0; i < 65536; i++) {

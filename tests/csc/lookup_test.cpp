@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <tuple>
+#include <utility>
 
 #include "qorv_skia.h"
 
