@@ -187,8 +187,8 @@ TEST_F(Imgb, ReportsEveryFailureAndLeaksNothing) {
         EXPECT_EQ(qorv_imgb_create(8, 8, 500, 3, nullptr, nullptr, nullptr, nullptr, &status), nullptr);
         EXPECT_EQ(status, n == 2 ? QORV_ERR_ALLOC_FAILED : QORV_ERR_OUT_OF_MEMORY);
     }
-    // More than the default allocator can count.
-    expect_failure({0x8000, 0x5000, 500}, nullptr, nullptr, QORV_ERR_ALLOC_FAILED);
+    // More than the default allocator can count; as a signed size 2^32 - 1 bytes would be -1.
+    expect_failure({65535, 65537, 10}, nullptr, nullptr, QORV_ERR_ALLOC_FAILED);
     EXPECT_EQ(test::live_allocations(), before);
 }
 
