@@ -3,8 +3,11 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 
+#include "metric/metric_kernels.h"
 #include "metric/reference.h"
 #include "support/guarded_buffer.h"
 #include "support/kernel_sets.h"
@@ -240,6 +243,74 @@ TEST_P(Metric, HadamardEqualsTheMatrix) {
         }
     }
     check(std::vector<int16_t>(16, INT16_MIN));
+}
+
+// Each pattern puts all of a residual's energy into one coefficient: the largest that there is for an amplitude, in
+// every place of the transform. Amplitudes around those at which 16-bit lanes are left, for each kind of sample.
+TEST_P(Metric, EveryCoefficientHoldsItsLargestValue) {
+    for (const Cost &cost : costs()) {
+        if (!cost.name.starts_with("satd") || cost.w == 0) continue;
+        const auto size = static_cast<unsigned>(cost.w);
+        for (int amplitude : {255, 256, 1022, 1023, 1024, 4094, 4095, 4096, 16383, 32767}) {
+            // B stays in the middle of its range if A cannot go below 0.
+            const int level = cost.a.min < 0 ? 0 : std::min((cost.a.max + 1) / 2, cost.b.max);
+            if (amplitude > cost.a.max - level) continue;
+            for (unsigned pattern = 0; pattern < size * size; pattern++) {
+                Block a(cost.w, cost.w, cost.w, cost.a, Flush::kEnd), b(cost.w, cost.w, cost.w, cost.b, Flush::kEnd);
+                a.fill([&](const Block &, size_t position) {
+                    const auto index = static_cast<unsigned>(position / 1024 * size + position % 1024);
+                    return level + (std::popcount(index & pattern) % 2 != 0 ? -amplitude : amplitude);
+                });
+                b.fill(all(level));
+                const auto coefficient = size * size * static_cast<unsigned>(amplitude);
+                ASSERT_EQ(cost.run(cost.w, cost.w, a.first, b.first, cost.w, cost.w),
+                          size == 4 ? coefficient >> 1 : (coefficient + 2) >> 2)
+                    << cost.name << " pattern " << pattern << ", amplitude " << amplitude;
+            }
+        }
+    }
+}
+
+TEST_P(Metric, EveryDifferenceOf16BitSamples) {
+    int16_t a[16], b[16];
+    for (int d = -65535; d <= 65535; d++) {
+        const int high = (d + 65535) / 2 - 32768, low = high - d;
+        std::fill(std::begin(a), std::end(a), static_cast<int16_t>(high));
+        std::fill(std::begin(b), std::end(b), static_cast<int16_t>(low));
+        const auto term = static_cast<uint64_t>(magnitude(d));
+        ASSERT_EQ(qorv_sad4x4_16(a, b, 4, 4), static_cast<uint32_t>(16 * term)) << d;
+        ASSERT_EQ(qorv_ssd_16(8, 2, a, b, 8, 8), static_cast<uint32_t>(16 * term * term)) << d;
+    }
+}
+
+// Sums beyond 2^32, and accumulators that must be emptied on the way.
+TEST_P(Metric, LargeAreasWrap) {
+    constexpr int kSide = 333;
+    std::vector<uint8_t> bytes(2 * (kSide + 3) * (kSide + 3), 255);
+    std::vector<int16_t> low(bytes.size() / 2, INT16_MIN), high(low.size(), INT16_MAX);
+    std::fill(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(bytes.size() / 2), uint8_t{0});
+    for (const Cost &cost : costs()) {
+        if (cost.w != 0) continue;
+        const void *a = cost.a.bytes == 1 ? static_cast<void *>(bytes.data()) : low.data();
+        const void *b = cost.a.bytes == 1 ? static_cast<void *>(&bytes[bytes.size() / 2]) : high.data();
+        EXPECT_EQ(cost.run(kSide, kSide, a, b, kSide + 3, kSide + 3),
+                  cost.expected(kSide, kSide, a, b, kSide + 3, kSide + 3))
+            << cost.name;
+    }
+}
+
+// No member is missing from a table, or is another set's.
+TEST_P(Metric, EverySlotIsItsSetsOwn) {
+    using Slots = std::array<void *, sizeof(qorv::MetricKernels) / sizeof(void *)>;
+    const auto slots = std::bit_cast<Slots>(*GetParam().metric);
+    EXPECT_EQ(slots.size(), costs().size() + diffs().size() + 1);
+    for (const qorv::KernelSet &set : runnable_kernel_sets()) {
+        const auto others = std::bit_cast<Slots>(*set.metric);
+        for (size_t i = 0; i < slots.size(); i++) {
+            EXPECT_NE(slots[i], nullptr) << "slot " << i;
+            EXPECT_EQ(slots[i] == others[i], set.metric == GetParam().metric) << set.name << " slot " << i;
+        }
+    }
 }
 
 // Values worked out by hand, as a hold on the plain loops themselves.
