@@ -312,11 +312,8 @@ template <class V>
 }
 
 template <int Bytes>
-[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
-#if defined(QORV_ISA_IS_v3)
-    if constexpr (Bytes == 32) return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)load<Vec<uint8_t, 16>>(p));
-#endif
-    if constexpr (Bytes == 16) return (Vec<int16_t, 16>)_mm_cvtepu8_epi16(_mm_loadl_epi64((const __m128i *)p));
+requires(Bytes == 16) [[gnu::always_inline]] inline Vec<int16_t, 16> load_widened(const uint8_t *p) {
+    return (Vec<int16_t, 16>)_mm_cvtepu8_epi16(_mm_loadl_epi64((const __m128i *)p));
 }
 
 [[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
@@ -324,25 +321,11 @@ template <int Bytes>
 }
 
 template <int Bytes, class V>
-[[gnu::always_inline]] inline void exchange(V &a, V &b) {
+requires(sizeof(V) == 16) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
     static_assert(Bytes == 4 || Bytes == 8);
-    const V x = a, y = b;
-#if defined(QORV_ISA_IS_v3)
-    if constexpr (sizeof(V) == 32 && Bytes == 4) {
-        a = (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0x88);
-        b = (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0xDD);
-    } else if constexpr (sizeof(V) == 32) {
-        a = (V)_mm256_unpacklo_epi64((__m256i)x, (__m256i)y);
-        b = (V)_mm256_unpackhi_epi64((__m256i)x, (__m256i)y);
-    }
-#endif
-    if constexpr (sizeof(V) == 16 && Bytes == 4) {
-        a = (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0x88);
-        b = (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0xDD);
-    } else if constexpr (sizeof(V) == 16) {
-        a = (V)_mm_unpacklo_epi64((__m128i)x, (__m128i)y);
-        b = (V)_mm_unpackhi_epi64((__m128i)x, (__m128i)y);
-    }
+    const __m128i x = (__m128i)a, y = (__m128i)b;
+    a = Bytes == 4 ? (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0x88) : (V)_mm_unpacklo_epi64(x, y);
+    b = Bytes == 4 ? (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0xDD) : (V)_mm_unpackhi_epi64(x, y);
 }
 
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<int64_t, 16> a) {
@@ -362,32 +345,21 @@ constexpr bool kHasSumsAndDifferences = true;
 // Rows of `Width` bytes, two if they are half a vector: the sums are in the lower half of the lanes and the differences
 // in the upper one, or, with 4 bytes, both in each half.
 template <int Width, int Bytes>
-[[gnu::always_inline]] inline Vec<int16_t, Bytes> sums_and_differences(const uint8_t *row, const uint8_t *next) {
-#if defined(QORV_ISA_IS_v3)
-    if constexpr (Bytes == 32) {
-        static constexpr Vec<int8_t, 32> kSigns = {1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,
-                                                   1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1};
-        __m256i rows;
-        if constexpr (Width == 16) {
-            rows = every_lane((__m128i)load<Vec<uint8_t, 16>>(row));
-        } else {
-            rows = _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(row)), _mm256_set1_epi64x(load<int64_t>(next)),
-                                      0xCC);
-        }
-        return (Vec<int16_t, 32>)_mm256_maddubs_epi16(rows, (__m256i)constant(kSigns));
-    } else
-#endif
-        if constexpr (Width == 8) {
-        static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, 1, 1, 1, 1, -1, 1, -1, 1, -1, 1, -1};
-        const __m128d rows = _mm_loaddup_pd(reinterpret_cast<const double *>(row));
-        return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
-    } else {
-        static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, -1, 1, -1, 1, 1, 1, 1, 1, -1, 1, -1};
-        __m128i first = _mm_cvtsi32_si128(load<int32_t>(row)), second = _mm_cvtsi32_si128(load<int32_t>(next));
-        asm("" : "+x"(first), "+x"(second));  // or the compiler makes several insertions of this one shuffle
-        const __m128 rows = _mm_shuffle_ps((__m128)first, (__m128)second, 0);
-        return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
-    }
+requires(Width == 4)
+    [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *next) {
+    static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, -1, 1, -1, 1, 1, 1, 1, 1, -1, 1, -1};
+    __m128i first = _mm_cvtsi32_si128(load<int32_t>(row)), second = _mm_cvtsi32_si128(load<int32_t>(next));
+    asm("" : "+x"(first), "+x"(second));  // or the compiler makes several insertions of this one shuffle
+    const __m128 rows = _mm_shuffle_ps((__m128)first, (__m128)second, 0);
+    return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
+}
+
+template <int Width, int Bytes>
+requires(Width == 8 && Bytes == 16)
+    [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *) {
+    static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, 1, 1, 1, 1, -1, 1, -1, 1, -1, 1, -1};
+    const __m128d twice = _mm_movedup_pd((__m128d)_mm_loadl_epi64((const __m128i *)row));
+    return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)twice, (__m128i)constant(kSigns));
 }
 
 #if defined(QORV_ISA_IS_v3)
@@ -437,6 +409,34 @@ template <int Width, int Bytes>
 
 [[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 32> a) {
     return (static_cast<uint32_t>(_mm256_movemask_epi8((__m256i)a)) & 0xAAAAAAAA) != 0;
+}
+
+template <int Bytes>
+requires(Bytes == 32) [[gnu::always_inline]] inline Vec<int16_t, 32> load_widened(const uint8_t *p) {
+    return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)load<Vec<uint8_t, 16>>(p));
+}
+
+template <int Bytes, class V>
+requires(sizeof(V) == 32) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
+    static_assert(Bytes == 4 || Bytes == 8);
+    const __m256i x = (__m256i)a, y = (__m256i)b;
+    a = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0x88) : (V)_mm256_unpacklo_epi64(x, y);
+    b = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0xDD) : (V)_mm256_unpackhi_epi64(x, y);
+}
+
+template <int Width, int Bytes>
+requires(Bytes == 32)
+    [[gnu::always_inline]] inline Vec<int16_t, 32> sums_and_differences(const uint8_t *row, const uint8_t *next) {
+    static constexpr Vec<int8_t, 32> kSigns = {1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,
+                                               1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1};
+    __m256i twice;
+    if constexpr (Width == 16) {
+        twice = every_lane((__m128i)load<Vec<uint8_t, 16>>(row));
+    } else {
+        twice =
+            _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(row)), _mm256_set1_epi64x(load<int64_t>(next)), 0xCC);
+    }
+    return (Vec<int16_t, 32>)_mm256_maddubs_epi16(twice, (__m256i)constant(kSigns));
 }
 
 [[gnu::always_inline]] inline Vec<uint8_t, 32> join(Vec<uint8_t, 16> lo, Vec<uint8_t, 16> hi) {

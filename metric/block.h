@@ -28,15 +28,14 @@ constexpr int smaller(int a, int b) {
     return a < b ? a : b;
 }
 
-// The rows of a block, four at hand: multiples of 0 to 3 strides are what addressing modes and one register are made
-// for.
+// The rows of a block. Those at hand are reached from one pointer by what addressing modes there are.
 template <class T>
 class Rows {
 public:
     [[gnu::always_inline]] Rows(T *first, ptrdiff_t stride_in_samples)
         : first_(first), stride_(stride_in_samples * static_cast<ptrdiff_t>(sizeof(T))) {}
     [[gnu::always_inline]] T *at(int y, int x = 0) const {
-        return reinterpret_cast<T *>(reinterpret_cast<uintptr_t>(first_) + static_cast<uintptr_t>(y * stride_)) + x;
+        return (T *)((char *)first_ + y * stride_) + x;
     }
     // Hides where the pointer comes from; the compiler would keep an offset for every row of an unrolled loop.
     [[gnu::always_inline]] void skip(int rows) {

@@ -7,11 +7,13 @@
 
 namespace qorv::QORV_ISA {
 
-constinit const MetricKernels metric_kernels = {
 #define QORV_SAD(w, h, suffix, A, B) .sad##w##x##h##suffix = block_sum<false, w, h, A, B>,
 #define QORV_DIFF(w, h, suffix, A, B) .diff##w##x##h##suffix = block_diff<w, h, A, B>,
 #define QORV_SATD(w, h, suffix, A, B) .satd##w##x##h##suffix = satd##w##x##h<A, B>,
-    QORV_SAD_BLOCKS(QORV_SAD) QORV_DIFF_BLOCKS(QORV_DIFF) QORV_SATD_BLOCKS(QORV_SATD).sad = area_sum<false, uint8_t>,
+
+// clang-format off
+constinit const MetricKernels metric_kernels = {
+    .sad = area_sum<false, uint8_t>,
     .sad_16 = area_sum<false, int16_t>,
     .ssd = area_sum<true, uint8_t>,
     .ssd_16 = area_sum<true, int16_t>,
@@ -20,6 +22,10 @@ constinit const MetricKernels metric_kernels = {
     .diff = area_diff<uint8_t>,
     .diff_16 = area_diff<int16_t>,
     .hadamard4x4 = hadamard4x4,
+    QORV_SAD_BLOCKS(QORV_SAD)
+    QORV_DIFF_BLOCKS(QORV_DIFF)
+    QORV_SATD_BLOCKS(QORV_SATD)
 };
+// clang-format on
 
 }  // namespace qorv::QORV_ISA

@@ -23,12 +23,12 @@ struct MetricKernels {
 #define QORV_SATD(w, h, suffix, A, B) BlockCost<A, B> *satd##w##x##h##suffix;
 #define QORV_AREA_COST(name, T) AreaCost<T> *name;
 #define QORV_AREA_DIFF(name, T) AreaDiff<T> *name;
-    QORV_SAD_BLOCKS(QORV_SAD)
-    QORV_DIFF_BLOCKS(QORV_DIFF)
-    QORV_SATD_BLOCKS(QORV_SATD)
     QORV_AREA_COSTS(QORV_AREA_COST)
     QORV_AREA_DIFFS(QORV_AREA_DIFF)
     uint32_t (*hadamard4x4)(const int16_t *residual);
+    QORV_SAD_BLOCKS(QORV_SAD)
+    QORV_DIFF_BLOCKS(QORV_DIFF)
+    QORV_SATD_BLOCKS(QORV_SATD)
 #undef QORV_SAD
 #undef QORV_DIFF
 #undef QORV_SATD
