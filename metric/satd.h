@@ -158,7 +158,7 @@ template <class Sum, class T>
         Vec<int16_t, kBytes> v[4];
         load_residual<kColumns>(v, rows_a, rows_b);
         if constexpr (sizeof(T) == 2) {
-            if (exceeds<kMaxResidual4x4>(v, Vec<uint16_t, kBytes>{})) {
+            if (exceeds<kMaxResidual4x4>(v, Vec<uint16_t, kBytes>{})) [[unlikely]] {
                 for (int x = 0; x < kColumns; x += 4)
                     exact += exact_satd4x4(tile_a + x, tile_b + x, stride_a, stride_b);
                 continue;
