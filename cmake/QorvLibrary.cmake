@@ -78,7 +78,7 @@ function(qorv_finish_library)
   qorv_write_version_script(${PROJECT_SOURCE_DIR}/qorv_skia.exports ${script})
 
   add_library(qorv_skia SHARED ${objects})
-  set_target_properties(qorv_skia PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 LINK_DEPENDS ${script})
+  set_target_properties(qorv_skia PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINK_DEPENDS ${script})
   target_link_options(qorv_skia PRIVATE -Wl,--version-script=${script}
     -Wl,-z,now,-z,relro,-z,noexecstack -Wl,--as-needed -Wl,--no-undefined-version)
   if(NOT QORV_SANITIZE)

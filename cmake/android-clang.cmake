@@ -1,5 +1,6 @@
-# Compiles and links for Android without its NDK, to check the sources: clang 19 on the Android triple, the headers of
-# libc++ and musl, and in place of bionic a stub library of the names that the library may use (scripts/android_check).
+# Compiles and links for Android without its NDK, to check the sources: clang 19 on the Android triple, no header of a
+# C++ library, musl's headers, and in place of bionic a stub library of the names that the library may use
+# (scripts/android_check).
 # Nothing built with it is fit to run; programs are built with the NDK's own toolchain file.
 # -DQORV_ANDROID_PROCESSOR=aarch64|x86_64 -DQORV_ANDROID_STUBS=<folder of libc.so>
 set(CMAKE_SYSTEM_NAME Linux)
@@ -11,7 +12,7 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 set(CMAKE_CXX_COMPILER clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET ${QORV_ANDROID_PROCESSOR}-linux-android24)
 # musl declares the plain POSIX names, as bionic does; glibc would redirect some of them. The kernel's headers come last.
-set(CMAKE_CXX_FLAGS_INIT "-nostdlibinc -isystem /usr/lib/llvm-19/include/c++/v1 -fstack-protector-strong \
+set(CMAKE_CXX_FLAGS_INIT "-nostdlibinc -fstack-protector-strong \
 -isystem /usr/include/x86_64-linux-musl -idirafter /usr/include -idirafter /usr/include/x86_64-linux-gnu")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-fuse-ld=lld-19 -nostdlib -L${QORV_ANDROID_STUBS}")
 set(CMAKE_CXX_STANDARD_LIBRARIES_INIT "-lc")
