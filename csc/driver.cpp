@@ -91,6 +91,10 @@ bool disjoint(const Area &a, const Area &b) {
     return offset >= a.row_bytes && offset + b.row_bytes <= stride;
 }
 
+bool rows_overlap(const Area &area) {
+    return area.rows > 1 && area.stride < area.row_bytes && -area.stride < area.row_bytes;
+}
+
 enum class Overlap { kNone, kInPlace, kOther };
 
 // In place means that a destination lies exactly on a source: every pixel then meets itself alone, so a strip may be
@@ -99,16 +103,14 @@ Overlap find_overlap(const Areas &in, const Areas &out) {
     Overlap found = Overlap::kNone;
     for (int i = 0; i < out.count; i++) {
         const Area &a = out.area[i];
+        if (rows_overlap(a)) return Overlap::kOther;
         for (int k = i + 1; k < out.count; k++) {
             if (!disjoint(a, out.area[k])) return Overlap::kOther;
         }
         for (int k = 0; k < in.count; k++) {
             const Area &b = in.area[k];
             if (disjoint(a, b)) continue;
-            const bool rows_apart = a.rows == 1 || a.stride >= a.row_bytes || -a.stride >= a.row_bytes;
-            if (a.first_row != b.first_row || a.stride != b.stride || a.step != b.step || !rows_apart) {
-                return Overlap::kOther;
-            }
+            if (a.first_row != b.first_row || a.stride != b.stride || a.step != b.step) return Overlap::kOther;
             found = Overlap::kInPlace;
         }
     }

@@ -851,8 +851,8 @@ QORV_API int32_t qorv_bsw_write1(QORV_BSW *bsw, uint32_t bit);
  * @param value  the field, below 2^n.
  * @param n      bits, 1 to 32. A 32-bit field that meets an empty cache is stored and left in the cache as well, which
  *               counts as empty: the next bits are or-ed into it. Write such a field in two halves.
- * @return #QORV_OK; or #QORV_ERR when the cache is full and fewer than five bytes remain, with the bits that fitted kept
- *         in the cache and nothing else changed.
+ * @return #QORV_OK; or #QORV_ERR when the cache is full and fewer than five bytes remain, with the bits that fitted
+ * kept in the cache and nothing else changed.
  */
 QORV_API int32_t qorv_bsw_write(QORV_BSW *bsw, uint32_t value, int32_t n);
 
@@ -875,8 +875,8 @@ QORV_API void qorv_bsw_write_se(QORV_BSW *bsw, int32_t value);
  * Writes a truncated Exp-Golomb code, see qorv_bsr_read_te(). Lack of room is not reported.
  * @param bsw    the writer.
  * @param value  the value, at most max.
- * @param max    largest value that can occur. 1: the inverse of bit 0 as one bit, stored as by qorv_bsw_write1(); from 2
- *               on qorv_bsw_write_ue(); below 1 nothing is written.
+ * @param max    largest value that can occur. 1: the inverse of bit 0 as one bit, stored as by qorv_bsw_write1(); from
+ * 2 on qorv_bsw_write_ue(); below 1 nothing is written.
  */
 QORV_API void qorv_bsw_write_te(QORV_BSW *bsw, uint32_t value, int32_t max);
 
@@ -912,9 +912,10 @@ QORV_API int32_t qorv_bsw_size_se(int32_t value);
  *  of the channel pointers works too, more slowly. A 5-6-5 plane is written as host-order 16-bit words and advances by
  *  stride >> 1 words a row, so an odd stride loses its last byte.
  *
- *  A destination that overlaps a source or another destination gives the result of the per-pixel loop: rows from the
- *  first, pixels from the left, all samples of a pixel read before its first is written. That is exact but slow, about
- *  15 ns a pixel, unless destinations lie exactly on sources or the rows keep clear of each other.
+ *  A destination that overlaps a source, another destination or, with a small stride, itself gives the result of the
+ *  per-pixel loop: rows from the first, pixels from the left, all samples of a pixel read before its first is written.
+ *  That is exact but slow, about 15 ns a pixel, unless destinations lie exactly on sources or the rows keep clear of
+ *  each other.
  *
  *  Converters take no memory from the heap; those that do not scale take at most 8 KiB of stack.
  *  @{ */
@@ -1278,8 +1279,8 @@ QORV_API void qorv_csc_rsz_yuv444a8_to_rgb565a8(const void *const *src, int32_t 
  *  the weights of entry fx * 8 + fy of #qorv_irsz_tbl_rsz_weight. A neighbour of weight 0 is not read where it need not
  *  exist: a source may be one pixel wide or high.
  *
- *  Sides up to 32768 samples are right. Source and destination must not overlap. The kernels take no memory from the
- *  heap and at most 32 KiB of stack.
+ *  Sides up to 32768 samples are right. Source and destination must not overlap, nor a destination's rows each other.
+ *  The kernels take no memory from the heap and at most 32 KiB of stack.
  *
  *  | format | pixels                                   | pitches of the record and of _full |
  *  |--------|------------------------------------------|------------------------------------|

@@ -284,17 +284,21 @@ TEST_P(Converters, ScalingOntoItselfGivesThePerPixelOutcome) {
     Random random(8);
     for (const CscScalingCase &c : csc_scaling_cases()) {
         for (int round = 0; round < 25; round++) {
+            const bool rows_alone =
+                round % 5 == 0;  // wide rows of the destination over each other, the source elsewhere
+            const size_t bytes = rows_alone ? 20000 : 4096;
             Placement placement;
             for (size_t k = 0; k < c.unscaled->src.size(); k++) {
-                placement.src.push_back(2000 + random.between(-300, 300));
+                placement.src.push_back((rows_alone ? 17000 : 2000) + random.between(-300, 300));
                 placement.src_stride.push_back(random.between(-200, 200));
             }
-            for (size_t k = 0; k < c.unscaled->dst.size(); k++) {
-                placement.dst.push_back(2000 + random.between(-300, 300));
+            for (int k = 0; k < static_cast<int>(c.unscaled->dst.size()); k++) {
+                placement.dst.push_back(rows_alone ? 1500 + 3000 * k : 2000 + random.between(-300, 300));
                 placement.dst_stride.push_back(random.between(-200, 200));
             }
-            ASSERT_NO_FATAL_FAILURE(expect_same_scaled(c, placement, 4096, random.between(1, 40), random.between(1, 6),
-                                                       random.between(1, 40), random.between(1, 6), random));
+            const int32_t dst_w = rows_alone ? random.between(257, 400) : random.between(1, 40);
+            ASSERT_NO_FATAL_FAILURE(expect_same_scaled(c, placement, bytes, random.between(1, 40), random.between(1, 6),
+                                                       dst_w, random.between(1, 6), random));
         }
     }
 }
