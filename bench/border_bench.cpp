@@ -43,7 +43,7 @@ void add_picture(const std::string &name, uint32_t cs, const std::vector<Plane> 
         sources.emplace_back(plane.h, plane.w, type, cv::Scalar(1));
         results.emplace_back(plane.h + 2 * kPad, plane.w + 2 * kPad, type, cv::Scalar(0));
     }
-    bench::add("border/" + name, "opencv", [sources, results] {
+    bench::add("border/" + name, "OpenCV", [sources, results] {
         for (size_t i = 0; i < sources.size(); i++) {
             cv::copyMakeBorder(sources[i], results[i], kPad, kPad, kPad, kPad, cv::BORDER_REPLICATE);
         }

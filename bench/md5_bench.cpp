@@ -28,7 +28,7 @@ void add_message(const std::string &name, Message message) {
     });
 #ifdef QORV_BENCH_CRYPTO
     const std::shared_ptr<EVP_MD_CTX> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-    bench::add(name, "openssl", [data, message, context] {
+    bench::add(name, "OpenSSL", [data, message, context] {
         uint8_t digest[16];
         EVP_DigestInit_ex(context.get(), EVP_md5(), nullptr);
         for (size_t i = 0; i < message.rows; i++) {

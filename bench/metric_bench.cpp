@@ -227,7 +227,7 @@ void add_peers() {
 #if defined(__x86_64__)
     if (__builtin_cpu_supports("avx2"))
         add_diff<uint8_t, uint8_t>(
-            "diff16x16", "by hand",
+            "diff16x16", "by_hand",
             [f = in_table(diff16x16_by_hand)](auto a, auto b, int16_t *out) { f(a, b, kStride, kStride, 16, out); });
 #endif
 }
