@@ -1,13 +1,14 @@
 // qorv convert: Y4M frames to PNG pictures, and PNG pictures to Y4M, through the library's converters.
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <fstream>
 #include <memory>
 
 #include "qorv_skia.h"
 #include "tools/command.h"
+#include "tools/output.h"
 #include "tools/pixel_format.h"
 #include "tools/y4m.h"
 
@@ -152,22 +153,17 @@ void y4m_to_png(const Options &options) {
 void write_y4m(const std::string &path, const QORV_IMGB &imgb) {
     const bool deep = imgb.cs == QORV_CS_P410, alpha = imgb.cs == QORV_CS_YUVA444;
     const char *const samples = deep ? "p10" : alpha ? "alpha" : "";
-    const std::string partial = path + ".partial";
-    std::ofstream file(partial, std::ios::binary);
-    file << "YUV4MPEG2 W" << imgb.w << " H" << imgb.h << " F25:1 Ip A1:1 C444" << samples
-         << " XCOLORRANGE=FULL\nFRAME\n";
-    for (int i = 0; i < (alpha ? 4 : 3); i++) {
-        for (int32_t y = 0; y < imgb.h; y++) {
-            file.write(static_cast<const char *>(imgb.a[i]) + static_cast<ptrdiff_t>(y) * imgb.s[i],
-                       imgb.w * (deep ? 2 : 1));
+    write_file(path, [&](std::FILE *file) {
+        std::fprintf(file, "YUV4MPEG2 W%d H%d F25:1 Ip A1:1 C444%s XCOLORRANGE=FULL\nFRAME\n", imgb.w, imgb.h, samples);
+        for (int i = 0; i < (alpha ? 4 : 3); i++) {
+            const auto *const plane = static_cast<const uint8_t *>(imgb.a[i]);
+            for (int32_t y = 0; y < imgb.h; y++) {
+                std::fwrite(plane + static_cast<ptrdiff_t>(y) * imgb.s[i], deep ? 2 : 1, static_cast<size_t>(imgb.w),
+                            file);
+            }
         }
-    }
-    file.close();
-    if (!file || std::rename(partial.c_str(), path.c_str()) != 0) {
-        const std::string reason = std::strerror(errno);
-        std::remove(partial.c_str());
-        throw Error(path + ": cannot be written: " + reason);
-    }
+        return std::string(std::ferror(file) != 0 ? std::strerror(errno) : "");
+    });
 }
 
 void png_to_y4m(const Options &options) {

@@ -2,11 +2,8 @@
 
 #include <png.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-
 #include "tools/command.h"
+#include "tools/output.h"
 
 namespace tool {
 
@@ -54,17 +51,10 @@ void write_png(const std::string &path, const PngImage &image) {
     png.width = image.width;
     png.height = image.height;
     png.format = format_of(image.channels);
-    const std::string partial = path + ".partial";
-    if (png_image_write_to_file(&png, partial.c_str(), 0, image.pixels.data(), 0, nullptr) == 0) {
-        const std::string reason = png.message;
-        std::remove(partial.c_str());
-        throw Error(path + ": cannot be written: " + reason);
-    }
-    if (std::rename(partial.c_str(), path.c_str()) != 0) {
-        const std::string reason = std::strerror(errno);
-        std::remove(partial.c_str());
-        throw Error(path + ": cannot be written: " + reason);
-    }
+    write_file(path, [&](std::FILE *file) {
+        const bool done = png_image_write_to_stdio(&png, file, 0, image.pixels.data(), 0, nullptr) != 0;
+        return std::string(done ? "" : png.message);
+    });
 }
 
 }  // namespace tool

@@ -17,7 +17,6 @@ struct PngImage {
 
 // Any PNG, brought to 8 bits; palettes become RGB or RGBA, gray with alpha becomes RGBA.
 PngImage read_png(const std::string &path);
-// The file appears whole or not at all.
 void write_png(const std::string &path, const PngImage &image);
 
 }  // namespace tool

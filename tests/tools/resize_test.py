@@ -1,5 +1,6 @@
 """qorv resize against the bilinear formula, pixel by pixel, whole and in bands."""
 import os
+import subprocess
 
 from program import ffmpeg, pixels_of, qorv, shown_as_565
 
@@ -61,6 +62,12 @@ for source, name, pixels in (("rgb888", "gray", luma), ("gray", "rgb888", [3 * p
                              ("rgb888", "rgba8888", opaque), ("rgba8888", "rgb888", [p[:3] for p in pictures["rgba8888"]])):
     out = run(f"{source}.png", 20, 70, "--format", name)
     assert pixels_of(out, CHANNELS[name]) == resized(pixels, 20, 70), (source, name)
+
+# A pipe stays one.
+os.mkfifo("pipe.png")
+with subprocess.Popen(["cat", "pipe.png"], stdout=subprocess.PIPE) as reader, open(run("rgb888.png", 9, 5), "rb") as file:
+    qorv("resize", "rgb888.png", "pipe.png", "--size", "9x5")
+    assert reader.communicate(timeout=30)[0] == file.read()
 
 with open("broken.png", "wb") as broken, open("rgb888.png", "rb") as file:
     broken.write(file.read()[:200])
