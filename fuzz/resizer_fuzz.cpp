@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "input.h"
+#include "kernels.h"
 #include "qorv_skia.h"
 #include "support/bilinear_reference.h"
 
@@ -38,6 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
         int code, src_bytes, dst_bytes;
     } kFormats[] = {{20, 1, 1}, {21, 3, 3}, {23, 3, 2}, {25, 2, 2}, {29, 4, 4}};
     Input input(data, size);
+    fuzz::choose_kernels(input);
     const auto &format = kFormats[input.byte() % 5];
     const bool wide = (input.byte() & 1) != 0;
     QORV_IRSZ_PARAM param = {};

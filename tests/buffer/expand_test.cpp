@@ -5,7 +5,7 @@
 
 #include "buffer/recording_allocator.h"
 #include "qorv_skia.h"
-#include "support/kernel_sets.h"
+#include "support/kernel_fixture.h"
 #include "support/random.h"
 
 namespace {

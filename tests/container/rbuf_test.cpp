@@ -1,4 +1,4 @@
-// The ring against its formulas, written once more here over bounds-checked vectors.
+// The ring against its formulas.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,107 +9,13 @@
 #include "support/allocation.h"
 #include "support/guarded_buffer.h"
 #include "support/random.h"
+#include "support/ring_model.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
+using test::Bytes, test::RingModel;
 
-struct Model {
-    int wr = 0, rd = 0, size;
-    Bytes buf;
-
-    explicit Model(int bytes) : size(bytes), buf(static_cast<size_t>(bytes)) {}
-
-    bool full() const { return wr == (rd + size - 1) % size; }
-    uint8_t &at(int i) { return buf.at(static_cast<size_t>(i)); }
-    int free_len() const { return rd > wr ? rd - wr - 1 : rd - wr + size + 1; }
-    int freec_len() const { return rd > wr ? rd - wr - 1 : rd != 0 ? size - wr : size - wr - 1; }
-    int fill_len() const { return wr >= rd ? wr - rd : wr + size - rd - 1; }
-    int fillc_len() const { return (rd > wr ? size : wr) - rd; }
-
-    int put(const Bytes &data) {
-        const int n = static_cast<int>(data.size());
-        const auto store = [&](int to, int from, int count) {
-            for (int i = 0; i < count; i++) at(to + i) = data.at(static_cast<size_t>(from + i));
-        };
-        if (full()) return 0;
-        if (rd > wr && rd - wr - 1 < n) return 0;
-        const int c = size - wr;
-        if (rd <= wr && n >= c && rd != 0) {
-            store(wr, 0, c);
-            if (n - c >= rd) return 0;
-            store(0, c, n - c);
-            return wr = n - c, n;
-        }
-        if (rd <= wr && n > c) return 0;
-        store(wr, 0, n);
-        return wr += n, n;
-    }
-    // The result's length may differ from the returned count when that is negative.
-    int get(int n, Bytes &out) {
-        if (wr == rd) return 0;
-        const int c = size - rd;
-        const bool wraps = wr <= rd && n > c;
-        const int taken = wraps ? c + std::min(n - c, wr) : wr <= rd ? n : std::min(wr - rd, n);
-        for (int i = 0; i < taken; i++) out.push_back(at(wraps && i >= c ? i - c : rd + i));
-        rd = wraps ? std::min(n - c, wr) : wr <= rd ? (rd + n) % size : rd + taken;
-        return taken;
-    }
-    int skip_head(int n) {
-        if (full()) return 0;
-        const int c = size - wr;
-        if (rd > wr) return n = std::min(rd - wr - 1, n), wr += n, n;
-        if (n < c) return wr += n, n;
-        if (rd == 0) return std::min(c - 1, n);
-        wr = n - c < rd ? n - c : rd - 1;
-        return wr + c;
-    }
-    int skip_tail(int n) {
-        if (wr == rd) return 0;
-        const int c = size - rd;
-        if (wr > rd) return n = std::min(wr - rd, n), rd += n, n;
-        if (n < c) return rd += n, n;
-        rd = std::min(n - c, wr);
-        return rd + c;
-    }
-    // Index i of the line is dest[i + 1]: a line may begin at -1.
-    int line(int dsize, Bytes &dest) {
-        const auto out = [&](int i) -> uint8_t & { return dest.at(static_cast<size_t>(i + 1)); };
-        const auto finish = [&](int i, bool cr) {
-            if (!cr) out(i++) = '\r';
-            out(i) = '\n';
-            out(i + 1) = 0;
-            return i + 1;
-        };
-        if (wr == rd) return 0;
-        const int t = size - rd, limit = wr > rd ? std::min(wr - rd, dsize - 1) : t;
-        for (int k = 0; k < limit; k++) {
-            out(k) = at(rd + k);
-            if (out(k) == '\n') {
-                const int length = finish(k, k > 0 && out(k - 1) == '\r');
-                return rd += length, length;
-            }
-            if (out(k) == 0) break;
-        }
-        if (wr > rd || dsize <= t) return 0;
-        if (at(size - 1) == '\r' && at(0) == '\n') {
-            out(t) = '\n';
-            out(t + 2) = 0;
-            return rd = 1, t + 2;
-        }
-        for (int j = 0; j < std::min(wr, dsize - t); j++) {
-            out(t + j) = at(j);
-            if (at(j) == 0) return 0;
-            if (at(j) == '\n') {
-                const int length = finish(t + j, j > 0 && out(t + j - 1) == '\r');
-                return rd = length - t, length;
-            }
-        }
-        return 0;
-    }
-};
-
-void expect_same(const QORV_RBUF *ring, const Model &model) {
+void expect_same(const QORV_RBUF *ring, const RingModel &model) {
     ASSERT_EQ(std::tuple(ring->wr, ring->rd), std::tuple(model.wr, model.rd));
     ASSERT_EQ(Bytes(ring->buf, ring->buf + ring->size), model.buf);
     const bool full = model.full(), empty = model.wr == model.rd;
@@ -133,7 +39,7 @@ void expect_same(const QORV_RBUF *ring, const Model &model) {
 constexpr uint8_t kAlphabet[] = {'a', '\r', '\n', 0};
 
 // Takes a line from both and compares; the destination ends where the documented room ends.
-void expect_same_line(QORV_RBUF *ring, Model &model, int32_t dsize) {
+void expect_same_line(QORV_RBUF *ring, RingModel &model, int32_t dsize) {
     static const test::GuardedBuffer memory(64);
     const int room = std::max(dsize, model.size) + 2;
     memset(memory.data(), 0xEE, memory.size());
@@ -152,7 +58,7 @@ TEST_P(Ring, HoldsThroughRandomOperations) {
     test::Random random;
     for (int round = 0; round < 30; round++) {
         QORV_RBUF *ring = qorv_rbuf_create(size);
-        Model model(size);
+        RingModel model(size);
         for (int i = 0; i < 60; i++) {
             const int32_t n = random.between(0, size + 2);
             switch (random.below(6)) {
@@ -195,7 +101,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, Ring, testing::Values(1, 2, 3, 5, 8, 40));
 TEST(RingLines, HoldForEveryShapeAtEveryPosition) {
     constexpr int32_t kSize = 5;
     QORV_RBUF *ring = qorv_rbuf_create(kSize);
-    Model model(kSize);
+    RingModel model(kSize);
     for (uint32_t shape = 0; shape < 1u << 2 * kSize; shape++) {
         for (int32_t i = 0; i < kSize; i++) ring->buf[i] = model.at(i) = kAlphabet[shape >> 2 * i & 3];
         for (int32_t positions = 0; positions < (kSize + 1) * (kSize + 2); positions++) {

@@ -10,7 +10,7 @@
 #include "csc/converter_list.h"
 #include "support/csc_reference.h"
 #include "support/guarded_buffer.h"
-#include "support/kernel_sets.h"
+#include "support/kernel_fixture.h"
 #include "support/random.h"
 
 namespace test {

@@ -7,7 +7,7 @@
 #include "support/allocation.h"
 #include "support/bilinear_reference.h"
 #include "support/guarded_buffer.h"
-#include "support/kernel_sets.h"
+#include "support/kernel_fixture.h"
 #include "support/random.h"
 
 namespace test {

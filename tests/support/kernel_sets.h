@@ -1,8 +1,6 @@
 // Every kernel set that this machine can run, for tests that are made once and run for all of them.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <vector>
 
 #include "core/isa.h"
@@ -12,18 +10,4 @@ namespace test {
 // Never empty; the plain set is always among them.
 const std::vector<qorv::KernelSet> &runnable_kernel_sets();
 
-// A fixture that runs its test with the kernel set of its parameter in place of the one that the library chose.
-class WithKernelSet : public ::testing::TestWithParam<qorv::KernelSet> {
-protected:
-    WithKernelSet() : chosen_(qorv::active) { qorv::active = GetParam(); }
-    ~WithKernelSet() override { qorv::active = chosen_; }
-
-private:
-    qorv::KernelSet chosen_;
-};
-
 }  // namespace test
-
-#define INSTANTIATE_FOR_KERNEL_SETS(fixture)                                                      \
-    INSTANTIATE_TEST_SUITE_P(Kernels, fixture, ::testing::ValuesIn(test::runnable_kernel_sets()), \
-                             [](const auto &set) { return std::string(set.param.name); })
