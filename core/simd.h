@@ -104,10 +104,15 @@ template <int Bits>
 }
 
 // Below, for each architecture:
-//   weighted<A, B>(a, b)        A a + B b for bytes a, b; A, B in -128..127, every partial sum within 16 bits signed
+//   weighted<A, B>(a, b)        A a + B b for bytes a, b; A, B in -128..127, not both negative, every partial sum
+//   within
+//                               16 bits signed
+//   weighted<A, B, C>(a, b, c)  A a + B b + C c for bytes, the weights of RGB to YUV: A + B + C = 256, all positive, or
+//                               A or C 128 and the sum 0; in 16 bits, unsigned or signed
 //   weighted<A, B>(a, b)        the same for signed words, sums in 32 bits
 //   high_bytes(w)               bits 15..8 of each lane of a Wide
 //   high_bytes<C>(v)            (C v) >> 8 for bytes v, C in 0..255
+//   high_bytes_rounded(w)       bits 15..8 of each lane + 128
 //   high_bytes_rounded<C>(v)    (C v + 128) >> 8
 //   narrow_rounded(w)           (w + 128) >> 8 of signed lanes, as bytes clamped to -128..127
 //   narrow(w)                   to words, clamped to 0..65535

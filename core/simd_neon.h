@@ -7,29 +7,44 @@ namespace qorv::QORV_ISA {
 
 // ---- Colour conversion ----
 
-template <int A, int B>
-[[gnu::always_inline]] inline uint16x8_t weighted_half(uint8x8_t a, uint8x8_t b) {
-    constexpr auto kA = static_cast<uint8_t>(A < 0 ? -A : A), kB = static_cast<uint8_t>(B < 0 ? -B : B);
-    // A product is subtracted from another one; where no product is to be added, the whole is negated.
-    if constexpr (A < 0 || (A == 0 && B < 0)) {
-        if constexpr (B > 0) return vmlsl_u8(vmull_u8(b, vdup_n_u8(kB)), a, vdup_n_u8(kA));
-        return vreinterpretq_u16_s16(vnegq_s16(vreinterpretq_s16_u16(weighted_half<-A, -B>(a, b))));
-    } else if constexpr (B == 0) {
-        return vmull_u8(a, vdup_n_u8(kA));
-    } else if constexpr (A == 0) {
-        return vmull_u8(b, vdup_n_u8(kB));
-    } else if constexpr (B < 0) {
-        return vmlsl_u8(vmull_u8(a, vdup_n_u8(kA)), b, vdup_n_u8(kB));
+// sum + C v of the lower or the upper half of v.
+template <bool Upper, int C>
+[[gnu::always_inline]] inline uint16x8_t add_product(uint16x8_t sum, uint8x16_t v) {
+    const uint8x16_t weights = vdupq_n_u8(static_cast<uint8_t>(C < 0 ? -C : C));
+    if constexpr (C == 0) {
+        return sum;
+    } else if constexpr (Upper) {
+        return C < 0 ? vmlsl_high_u8(sum, v, weights) : vmlal_high_u8(sum, v, weights);
     } else {
-        return vmlal_u8(vmull_u8(a, vdup_n_u8(kA)), b, vdup_n_u8(kB));
+        const uint8x8_t low = vget_low_u8(v), low_weights = vget_low_u8(weights);
+        return C < 0 ? vmlsl_u8(sum, low, low_weights) : vmlal_u8(sum, low, low_weights);
     }
+}
+
+// Begins with a positive weight, so that every other product is added or subtracted as it is made.
+template <bool Upper, int A, int B, int C>
+[[gnu::always_inline]] inline U16 weighted_half(uint8x16_t a, uint8x16_t b, uint8x16_t c) {
+    static_assert(A > 0 || B > 0 || C > 0);
+    if constexpr (A > 0) {
+        const uint8x16_t weights = vdupq_n_u8(A);
+        const uint16x8_t first = Upper ? vmull_high_u8(a, weights) : vmull_u8(vget_low_u8(a), vget_low_u8(weights));
+        return (U16)add_product<Upper, C>(add_product<Upper, B>(first, b), c);
+    } else if constexpr (B > 0) {
+        return weighted_half<Upper, B, C, A>(b, c, a);
+    } else {
+        return weighted_half<Upper, C, A, B>(c, a, b);
+    }
+}
+
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b, U8 c) {
+    const uint8x16_t va = (uint8x16_t)a, vb = (uint8x16_t)b, vc = (uint8x16_t)c;
+    return {weighted_half<false, A, B, C>(va, vb, vc), weighted_half<true, A, B, C>(va, vb, vc)};
 }
 
 template <int A, int B>
 [[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
-    const uint8x16_t va = (uint8x16_t)a, vb = (uint8x16_t)b;
-    return {(U16)weighted_half<A, B>(vget_low_u8(va), vget_low_u8(vb)),
-            (U16)weighted_half<A, B>(vget_high_u8(va), vget_high_u8(vb))};
+    return weighted<A, B, 0>(a, b, b);
 }
 
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
@@ -41,10 +56,13 @@ template <int C>
     return high_bytes(weighted<C, 0>(v, v));
 }
 
+[[gnu::always_inline]] inline U8 high_bytes_rounded(Wide w) {
+    return (U8)vrshrn_high_n_u16(vrshrn_n_u16((uint16x8_t)w.lo, 8), (uint16x8_t)w.hi, 8);
+}
+
 template <int C>
 [[gnu::always_inline]] inline U8 high_bytes_rounded(U8 v) {
-    const Wide product = weighted<C, 0>(v, v);
-    return (U8)vrshrn_high_n_u16(vrshrn_n_u16((uint16x8_t)product.lo, 8), (uint16x8_t)product.hi, 8);
+    return high_bytes_rounded(weighted<C, 0>(v, v));
 }
 
 [[gnu::always_inline]] inline U8 narrow_rounded(Wide w) {

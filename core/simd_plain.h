@@ -26,6 +26,11 @@ template <int A, int B>
             each_lane<U16>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
 }
 
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b, U8 c) {
+    return weighted<A, B>(a, b) + weighted<C, 0>(c, c);
+}
+
 // f(lane) of a Wide's lanes, as bytes in order.
 template <class F>
 [[gnu::always_inline]] inline U8 bytes_of(Wide w, F f) {
@@ -40,6 +45,10 @@ template <class F>
 template <int C>
 [[gnu::always_inline]] inline U8 high_bytes(U8 v) {
     return each_lane<U8>([&](int i) { return C * v[i] >> 8; });
+}
+
+[[gnu::always_inline]] inline U8 high_bytes_rounded(Wide w) {
+    return high_bytes(w + 128);
 }
 
 template <int C>

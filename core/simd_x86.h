@@ -36,8 +36,26 @@ template <int A, int B>
             (U16)QORV_MM(maddubs_epi16)(QORV_MM(unpackhi_epi8)((Register)a, (Register)b), weights)};
 }
 
+// The factors are signed bytes and a sum of two products must stay within 16 bits signed: b is shared between two such
+// sums, or 128 times a channel is -128 times it subtracted.
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b, U8 c) {
+    if constexpr (A == 128) {
+        return weighted<B, C>(b, c) - weighted<-A, 0>(a, b);
+    } else if constexpr (C == 128) {
+        return weighted<A, B>(a, b) - weighted<0, -C>(b, c);
+    } else {
+        constexpr int kWithA = 128 - A;
+        return weighted<A, kWithA>(a, b) + weighted<B - kWithA, C>(b, c);
+    }
+}
+
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
     return (U8)QORV_MM(packus_epi16)((Register)(w.lo >> 8), (Register)(w.hi >> 8));
+}
+
+[[gnu::always_inline]] inline U8 high_bytes_rounded(Wide w) {
+    return high_bytes(w + 128);
 }
 
 // The upper half of (256 v + low) x C: C low / 256 is what is added before the shift.

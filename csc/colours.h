@@ -49,9 +49,9 @@ private:
 struct RgbToYuv {
     [[gnu::always_inline]] static Pixels apply(const Pixels &in) {
         const U8 r = in.c[0], g = in.c[1], b = in.c[2];
-        const U8 y = high_bytes(weighted<77, 51>(r, g) + weighted<99, 29>(g, b) + 128);
-        const U8 u = narrow_rounded(weighted<-43, -85>(r, g) - weighted<0, -128>(g, b));
-        const U8 v = narrow_rounded(weighted<-107, -21>(g, b) - weighted<-128, 0>(r, g));
+        const U8 y = high_bytes_rounded(weighted<77, 150, 29>(r, g, b));
+        const U8 u = narrow_rounded(weighted<-43, -85, 128>(r, g, b));
+        const U8 v = narrow_rounded(weighted<128, -107, -21>(r, g, b));
         return {{y, u ^ 0x80, v ^ 0x80, in.c[3]}};
     }
 };
