@@ -3,31 +3,17 @@
 
 #include "picture.h"
 #include "qorv_skia.h"
+#include "scalers.h"
 
-#ifdef QORV_BENCH_LIBYUV
-#include <libyuv.h>
-#endif
 #ifdef QORV_BENCH_OPENCV
 #include <opencv2/imgproc.hpp>
-#endif
-#ifdef QORV_BENCH_SWSCALE
-extern "C" {
-#include <libswscale/swscale.h>
-}
 #endif
 
 namespace bench {
 
 namespace {
 
-struct Size {
-    int w, h;
-};
-
 // At exactly 2:1 the peers compute a box filter, another operation.
-struct Ratio {
-    Size src, dst;
-};
 constexpr Ratio kRatios[] = {{{640, 360}, {322, 183}},  {{640, 360}, {427, 240}}, {{640, 360}, {320, 180}},
                              {{1280, 720}, {213, 120}}, {{320, 180}, {480, 270}}, {{320, 180}, {640, 360}}};
 
@@ -37,10 +23,6 @@ struct Layout {
     int channels, bytes;  // of a pixel; one channel of two bytes is a 5-6-5 word
 };
 constexpr Layout kLayouts[] = {{"gray", 20, 1, 1}, {"rgb", 21, 3, 3}, {"rgba", 29, 4, 4}, {"rgb565", 25, 1, 2}};
-
-std::string text(Size size) {
-    return std::to_string(size.w) + "x" + std::to_string(size.h);
-}
 
 struct Case {
     std::string name;
