@@ -104,8 +104,7 @@ template <int Bits>
 }
 
 // Below, for each architecture:
-//   weighted<A, B>(a, b)        A a + B b for bytes a, b; A, B in -128..127, not both negative, every partial sum
-//   within
+//   weighted<A, B>(a, b)        A a + B b for bytes a, b; A, B in -128..127, not both negative, every partial sum in
 //                               16 bits signed
 //   weighted<A, B, C>(a, b, c)  A a + B b + C c for bytes, the weights of RGB to YUV: A + B + C = 256, all positive, or
 //                               A or C 128 and the sum 0; in 16 bits, unsigned or signed
