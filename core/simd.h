@@ -108,7 +108,7 @@ template <int Bits>
 //                               16 bits signed
 //   weighted<A, B, C>(a, b, c)  A a + B b + C c for bytes, the weights of RGB to YUV: A + B + C = 256, all positive, or
 //                               A or C 128 and the sum 0; in 16 bits, unsigned or signed
-//   weighted<A, B>(a, b)        the same for signed words, sums in 32 bits
+//   weighted<A, B>(a, b)        A a + B b for signed words, in 32 bits
 //   high_bytes(w)               bits 15..8 of each lane of a Wide
 //   high_bytes<C>(v)            (C v) >> 8 for bytes v, C in 0..255
 //   high_bytes_rounded(w)       bits 15..8 of each lane + 128
