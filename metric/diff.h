@@ -100,6 +100,13 @@ template <class A, class B>
     return from_q + static_cast<uintptr_t>(p_bytes) >= static_cast<uintptr_t>(p_bytes + q_bytes);
 }
 
+// Out of line, so that the usual way needs no stack frame.
+template <int Width, int Height, class A, class B>
+[[gnu::noinline]] void careful_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
+                                    int16_t *out) {
+    diff_of_strips(Width, Height, a, b, stride_a, stride_b, stride_out, out);
+}
+
 template <int Width, int Height, class A, class B>
 void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out, int16_t *out) {
     const auto most_bytes = [](ptrdiff_t stride, size_t sample) __attribute__((always_inline)) {
@@ -109,7 +116,7 @@ void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int3
     if (kForSize || (stride_a | stride_b | stride_out) < 0 ||
         !surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) ||
         !surely_apart(out, written, b, most_bytes(stride_b, sizeof *b))) {
-        return diff_of_strips(Width, Height, a, b, stride_a, stride_b, stride_out, out);
+        return careful_diff<Width, Height>(a, b, stride_a, stride_b, stride_out, out);
     }
     constexpr int kStep = Width <= 16 ? smaller(Height, 16) : 4;
     diff_strip_of<Width, kStep>(a, b, stride_a, stride_b, stride_out, out, Height);
