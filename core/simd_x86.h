@@ -252,10 +252,10 @@ template <int Channel>
 
 // ---- Block metrics ----
 
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2;
 
 template <int Bytes>
-using ByteDistances = Vec<int64_t, Bytes>;  // signed, so that the compiler does not make a tree of many sums
+using ByteDistances = Vec<int64_t, Bytes>;
 constexpr int kMaxByteDistances = 1 << 20;
 
 // A constant that is loaded, once; the compiler would put it together in a general register, or load it at every use.
@@ -270,6 +270,7 @@ template <class V>
 
 [[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     sum += (Vec<int64_t, 16>)_mm_sad_epu8((__m128i)a, (__m128i)b);
+    asm("" : "+x"(sum));  // in this order: no tree of many sums, not all rows of A loaded ahead
 }
 
 // a and b side by side, times 1 and -1, give a - b in 16 bits.
@@ -384,6 +385,7 @@ requires(Width == 8 && Bytes == 16)
 
 [[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
     sum += (Vec<int64_t, 32>)_mm256_sad_epu8((__m256i)a, (__m256i)b);
+    asm("" : "+x"(sum));
 }
 
 [[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {

@@ -32,7 +32,7 @@ template <int Width>
 struct ByteSad {
     static constexpr int kBytes = Width < 32 ? 16 : kVectorBytes;
     using S = Shape<Width, kBytes>;
-    static constexpr int kVectors = Width < 32 || kVectorBytes == 16 ? 16 : 8;  // of a step
+    static constexpr int kVectors = 16;  // of a step
     template <int Columns, int Count, class T>
     [[gnu::always_inline]] static auto load(const Rows<T> &rows, int y, int x) {
         return load_bytes<Columns, Count, kBytes>(rows, y, x);
