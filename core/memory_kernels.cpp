@@ -7,8 +7,9 @@ namespace qorv::QORV_ISA {
 
 namespace {
 
-// Fills of at least a vector. Between its first and its last vector the run is stored aligned: stores that cross a
-// cache line take several times as long.
+// Fills of at least a vector. Up to eight vectors are stored from both ends, overlapping in the middle. Between the
+// first and the last vector of a longer run the stores are aligned: those that cross a cache line take several times as
+// long.
 template <class V>
 [[gnu::always_inline]] inline void fill_vectors(uint8_t *dst, uint16_t value, size_t bytes) {
     const V ends = splat<V>(value);
@@ -16,6 +17,16 @@ template <class V>
     store(dst, ends);
     store(last, ends);
     if (bytes <= 2 * sizeof(V)) return;
+    if (bytes <= 8 * sizeof(V)) {
+        store(dst + sizeof(V), ends);
+        store(last - sizeof(V), ends);
+        if (bytes <= 4 * sizeof(V)) return;
+        for (size_t i = 2; i < 4; i++) {
+            store(dst + i * sizeof(V), ends);
+            store(last - i * sizeof(V), ends);
+        }
+        return;
+    }
     const size_t head = sizeof(V) - reinterpret_cast<uintptr_t>(dst) % sizeof(V);
     const V body = head % 2 == 0 ? ends : splat<V>(value << 8 | value >> 8);
     dst += head;
