@@ -93,28 +93,6 @@ TYPED_TEST(References, AreSafeBetweenThreads) {
     for (std::thread &thread : threads) thread.join();
 }
 
-TYPED_TEST(References, CreationFailsAtEveryAllocationWithoutALeak) {
-    for (int n = 1;; n++) {
-        int32_t status = 99;
-        bool reached;
-        TypeParam *record;
-        {
-            const test::FailAllocations failing(n);
-            record = make<TypeParam>(false, &status);
-            reached = failing.reached();
-        }
-        if (!reached) {
-            EXPECT_GT(n, 1);
-            record->release(record);
-            break;
-        }
-        EXPECT_EQ(record, nullptr);
-        const int32_t memory =
-            std::is_same_v<TypeParam, QORV_BITB> ? QORV_ERR_BITB_ALLOC_FAILED : QORV_ERR_ALLOC_FAILED;
-        EXPECT_EQ(status, n == 1 ? QORV_ERR_OUT_OF_MEMORY : memory) << n;
-    }
-}
-
 TEST_F(Buffers, AudioIsInterleavedForLayouts1To99) {
     struct Case {
         uint32_t samples;
@@ -149,15 +127,6 @@ TEST_F(Buffers, AudioIsInterleavedForLayouts1To99) {
         }
         EXPECT_EQ(audb->release(audb), 0);
     }
-}
-
-TEST_F(Buffers, AudioGivesBackWhatItHadWhenALaterChannelFails) {
-    RecordingAllocator::next_aux = 0x1000;
-    RecordingAllocator::until_failure = 3;
-    int32_t status = 99;
-    EXPECT_EQ(qorv_audb_create(10, 4, 8, 0, 0, 0, RecordingAllocator::alloc, RecordingAllocator::free, &status),
-              nullptr);
-    EXPECT_EQ(status, QORV_ERR_ALLOC_FAILED);
 }
 
 TEST_F(Buffers, BitstreamKeepsTypeAndAuxiliaryValue) {

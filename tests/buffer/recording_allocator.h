@@ -1,11 +1,12 @@
 // An allocator pair for the buffer records: every block lies in guarded memory, filled with one byte, and is recorded
-// until it is released with the address and the auxiliary value that it was handed out with.
+// until it is released with the address and the auxiliary value that it was handed out with. Fails along with malloc.
 #pragma once
 
 #include <cstdint>
 #include <map>
 #include <memory>
 
+#include "support/allocation.h"
 #include "support/guarded_buffer.h"
 
 namespace test {
@@ -18,12 +19,11 @@ struct RecordingAllocator {
         uint64_t aux;
     };
     static inline std::map<void *, Block> live;
-    static inline uint64_t next_aux = 0;          // auxiliary address of the next block, advanced by each
-    static inline int until_failure = INT32_MAX;  // 1: the next one fails
+    static inline uint64_t next_aux = 0;  // auxiliary address of the next block, advanced by each
     static inline int bad_frees = 0;
 
     static void *alloc(uint32_t size, uint64_t *aux) {
-        if (--until_failure < 1) return nullptr;
+        if (refuse_allocation()) return nullptr;
         GuardedBuffer memory(size);
         memory.fill(kFill);
         void *address = memory.data();
@@ -44,7 +44,6 @@ struct RecordingAllocator {
     static void reset() {
         live.clear();
         next_aux = 0;
-        until_failure = INT32_MAX;
         bad_frees = 0;
     }
 };

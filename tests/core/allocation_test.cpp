@@ -36,11 +36,6 @@ TEST_P(AlignedAllocation, GivesWritableBlocksOnA32ByteBoundary) {
     GetParam().free(nullptr);
 }
 
-TEST_P(AlignedAllocation, ReportsFailureAsNull) {
-    const test::FailAllocations failing(1);
-    EXPECT_EQ(GetParam().alloc(100), nullptr);
-}
-
 INSTANTIATE_TEST_SUITE_P(Both, AlignedAllocation,
                          testing::Values(Pair{qorv_malloc_align32, qorv_mfree_align32},
                                          Pair{qorv_malloc_fast_align32, qorv_mfree_fast_align32}));

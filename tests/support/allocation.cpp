@@ -18,11 +18,10 @@ void __wrap_free(void *);
 namespace {
 
 std::atomic<long> live{0};
-std::atomic<long> until_failure{std::numeric_limits<long>::max()};
+constexpr long kNever = std::numeric_limits<long>::max();
+std::atomic<long> until_failure{kNever};
 
-bool refused() {
-    return until_failure.load() != std::numeric_limits<long>::max() && --until_failure < 1;
-}
+std::atomic<bool> only_one{false};
 
 void *counted(void *block) {
     if (block != nullptr) live++;
@@ -32,15 +31,15 @@ void *counted(void *block) {
 }  // namespace
 
 extern "C" void *__wrap_malloc(size_t size) {
-    return refused() ? nullptr : counted(__real_malloc(size));
+    return test::refuse_allocation() ? nullptr : counted(__real_malloc(size));
 }
 
 extern "C" void *__wrap_calloc(size_t count, size_t size) {
-    return refused() ? nullptr : counted(__real_calloc(count, size));
+    return test::refuse_allocation() ? nullptr : counted(__real_calloc(count, size));
 }
 
 extern "C" void *__wrap_realloc(void *block, size_t size) {
-    if (refused()) return nullptr;
+    if (test::refuse_allocation()) return nullptr;
     void *moved = __real_realloc(block, size);
     return block == nullptr ? counted(moved) : moved;
 }
@@ -52,16 +51,23 @@ extern "C" void __wrap_free(void *block) {
 
 namespace test {
 
-FailAllocations::FailAllocations(int n) {
+FailAllocations::FailAllocations(int n, Failing failing) {
+    only_one = failing == Failing::kOne;
     until_failure = n;
 }
 
 FailAllocations::~FailAllocations() {
-    until_failure = std::numeric_limits<long>::max();
+    until_failure = kNever;
 }
 
 bool FailAllocations::reached() const {
     return until_failure.load() < 1;
+}
+
+bool refuse_allocation() {
+    if (until_failure.load() == kNever) return false;
+    const long left = --until_failure;
+    return only_one ? left == 0 : left < 1;
 }
 
 long live_allocations() {

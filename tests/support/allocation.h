@@ -4,13 +4,21 @@
 
 namespace test {
 
-// While one exists, the n-th allocation from its creation on (n = 1 is the next) and every later one return null.
+enum class Failing {
+    kFromThere,  // the n-th allocation and every later one
+    kOne,        // the n-th alone
+};
+
+// While one exists, the n-th allocation from its creation on (n = 1 is the next) returns null.
 class FailAllocations {
 public:
-    explicit FailAllocations(int n);
+    explicit FailAllocations(int n, Failing failing = Failing::kFromThere);
     ~FailAllocations();
     bool reached() const;  // the n-th allocation was asked for
 };
+
+// Counts an allocation that does not come through malloc: true when it is to fail.
+bool refuse_allocation();
 
 // Blocks allocated and not freed since the program began. Take the difference of two readings.
 long live_allocations();
