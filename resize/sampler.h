@@ -126,6 +126,8 @@ private:
         using U32x4 = Vec<uint32_t, 16>;
         const uint32_t wrapped_step = static_cast<uint32_t>(step);
         const U32x4 last_column = splat<U32x4>(static_cast<uint32_t>(count - 1));
+        // A source of one pixel stands in for its own neighbour.
+        const uint16_t to_right = step == 0 ? 0 : kBytes;
         for (int group = 0; group * kGroup < outputs; group++) {
             const int phase = group % Slots;
             const uint32_t block = static_cast<uint32_t>(group / Slots * kGroup);
@@ -141,7 +143,7 @@ private:
                                static_cast<uint16_t>(lead - window);
             const int slot = slot_of(group);
             offsets[slot] = static_cast<uint16_t>(window);
-            store(indices + slot * 2 * kGroup, pair_up(left, left + static_cast<uint16_t>(kBytes)));
+            store(indices + slot * 2 * kGroup, pair_up(left, left + to_right));
             store(weights + slot * 2 * kGroup, pair_up(8 - (eighths & 7), eighths & 7));
         }
     }
