@@ -84,6 +84,7 @@ TYPED_TEST(References, AreSafeBetweenThreads) {
         threads.emplace_back([record] {
             for (int i = 0; i < 2000; i++) {
                 record->addref(record);
+                EXPECT_GT(record->getref(record), 1);
                 record->release(record);
             }
             record->release(record);
