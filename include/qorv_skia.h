@@ -852,7 +852,7 @@ QORV_API int32_t qorv_bsw_write1(QORV_BSW *bsw, uint32_t bit);
  * @param n      bits, 1 to 32. A 32-bit field that meets an empty cache is stored and left in the cache as well, which
  *               counts as empty: the next bits are or-ed into it. Write such a field in two halves.
  * @return #QORV_OK; or #QORV_ERR when the cache is full and fewer than five bytes remain, with the bits that fitted
- * kept in the cache and nothing else changed.
+ *         kept in the cache and nothing else changed.
  */
 QORV_API int32_t qorv_bsw_write(QORV_BSW *bsw, uint32_t value, int32_t n);
 
@@ -876,7 +876,7 @@ QORV_API void qorv_bsw_write_se(QORV_BSW *bsw, int32_t value);
  * @param bsw    the writer.
  * @param value  the value, at most max.
  * @param max    largest value that can occur. 1: the inverse of bit 0 as one bit, stored as by qorv_bsw_write1(); from
- * 2 on qorv_bsw_write_ue(); below 1 nothing is written.
+ *               2 on qorv_bsw_write_ue(); below 1 nothing is written.
  */
 QORV_API void qorv_bsw_write_te(QORV_BSW *bsw, uint32_t value, int32_t max);
 
@@ -2432,7 +2432,7 @@ QORV_API int32_t qorv_rbuf_get(QORV_RBUF *rbuf, void *dest, int32_t n);
  *               ending and the zero byte may reach index dsize + 1.
  * @param dsize  limit of the search: dsize - 1 bytes when the contents are in one piece, dsize bytes when they wrap.
  * @return length of the text with its ending; 0, with nothing taken but dest written, when the ring is empty, when
- * there is no line feed within the limit, or when a zero byte comes first.
+ *         there is no line feed within the limit, or when a zero byte comes first.
  */
 QORV_API int32_t qorv_rbuf_get_one_line(QORV_RBUF *rbuf, char *dest, int32_t dsize);
 
@@ -2585,7 +2585,7 @@ QORV_API int32_t qorv_str_parse_by_stok(const char *str, const char *tok, uint32
  * Cuts a line at LF or CR LF.
  * @param str   the string.
  * @param len   receives the line's length without its ending. Odd end: without an ending it receives L although the
- * call fails. 0 on other failures.
+ *              call fails. 0 on other failures.
  * @param next  null, or receives the byte after the ending, null when the string ends there.
  * @return 0; -1 for an empty string, one without a line ending, or one whose first CR has no LF after it.
  */
@@ -2748,8 +2748,8 @@ QORV_API int32_t qorv_fcc2mt(uint32_t tag);
  *
  * @param id    media type, QORV_MT_VID_*.
  * @param data  the frame. For the H.263 ids the byte after the last one may be read, when a header with extended
- * picture type and full update begins 7 bytes before the end; for WMV1, WMV2 and DIV3 the first byte is read even of an
- * empty frame.
+ *              picture type and full update begins 7 bytes before the end; for WMV1, WMV2 and DIV3 the first byte is
+ *              read even of an empty frame.
  * @param size  its bytes.
  * @return 1 for a key frame, 0 otherwise and when nothing decides.
  */
