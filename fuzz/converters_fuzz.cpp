@@ -89,9 +89,11 @@ int64_t row_pitch(const test::CscPointer &p, int32_t stride, bool deep) {
     return deep ? stride * 2 : p.what == 'W' ? (stride >> 1) * 2 : stride;
 }
 
-// Adds a region and a stride for every pointer of a side.
+// Adds a region and a stride for every pointer of a side. In one buffer they often lie over one another, and with one
+// stride often side by side.
 void place(Input &input, const std::vector<test::CscPointer> &side, Size size, bool deep, Arrangement arrangement,
            Pointers &to) {
+    constexpr int32_t kMost = 1500;  // bytes from the first region of one buffer, and between rows
     const size_t first = to.regions.size();
     const uint8_t shape = input.byte();
     const bool one_buffer = arrangement == kOneBuffer || arrangement == kInPlace;
@@ -107,9 +109,10 @@ void place(Input &input, const std::vector<test::CscPointer> &side, Size size, b
             continue;
         }
         if (k == 0 || !interleaved) {
-            const auto longest = static_cast<int32_t>(2 * row + 8);
-            to.strides.push_back(input.between(-longest, longest) / (deep ? 2 : 1));
-            base = one_buffer ? input.between(0, 1500) : 0;
+            const bool one_stride = one_buffer && (shape & 4) != 0 && !to.strides.empty();
+            const auto longest = static_cast<int32_t>(one_buffer ? kMost : 2 * row + 8);
+            to.strides.push_back(one_stride ? to.strides.front() : input.between(-longest, longest) / (deep ? 2 : 1));
+            base = one_buffer ? input.between(0, kMost) : 0;
         } else {
             to.strides.push_back(to.strides.back());
         }
