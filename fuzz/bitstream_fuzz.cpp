@@ -67,59 +67,56 @@ void read_all(Input &input) {
     }
 }
 
-void write_and_read_back(Input &input) {
-    struct Field {
-        int kind;
-        uint32_t value;
-        int32_t bits;
-    };
-    std::vector<Field> fields;
-    for (int i = 0; i < 64 && !input.empty(); i++) {
-        const int kind = input.byte() % 4;
-        const int32_t bits = input.between(1, 31);
-        const uint32_t value = kind == 1   ? input.word() & 1
-                               : kind == 0 ? input.word() & ((1u << bits) - 1)
-                                           : input.word() % 32767;
-        fields.push_back({kind, value, bits});
+struct Field {
+    enum Kind { kBits, kBit, kUe, kSe } kind;
+    uint32_t value;
+    int32_t bits;
+
+    explicit Field(Input &input) : kind(static_cast<Kind>(input.byte() % 4)), value(0), bits(input.between(1, 31)) {
+        value = kind == kBits  ? input.word() & ((1u << bits) - 1)
+                : kind == kBit ? input.word() & 1
+                               : input.word() % 32767;
     }
+    int32_t signed_value() const { return static_cast<int32_t>(value) - 16383; }
+};
+
+void write(QORV_BSW &bsw, const Field &f) {
+    switch (f.kind) {
+        case Field::kBits:
+            return require(qorv_bsw_write(&bsw, f.value, f.bits) == 0, "there is room");
+        case Field::kBit:
+            return require(qorv_bsw_write1(&bsw, f.value) == 0, "there is room");
+        case Field::kUe:
+            return qorv_bsw_write_ue(&bsw, f.value);
+        case Field::kSe:
+            return qorv_bsw_write_se(&bsw, f.signed_value());
+    }
+}
+
+void require_read(QORV_BSR &bsr, const Field &f) {
+    switch (f.kind) {
+        case Field::kBits:
+            return require(qorv_bsr_read(&bsr, f.bits) == f.value, "a field is read as written");
+        case Field::kBit:
+            return require(qorv_bsr_read1(&bsr) == f.value, "a bit is read as written");
+        case Field::kUe:
+            return require(qorv_bsr_read_ue(&bsr) == f.value, "ue is read as written");
+        case Field::kSe:
+            return require(qorv_bsr_read_se(&bsr) == f.signed_value(), "se is read as written");
+    }
+}
+
+void write_and_read_back(Input &input) {
+    std::vector<Field> fields;
+    while (fields.size() < 64 && !input.empty()) fields.emplace_back(input);
     std::vector<uint8_t> out(64 * 4 + 8);
     QORV_BSW bsw;
     qorv_bsw_init(&bsw, out.data(), static_cast<int32_t>(out.size()), nullptr);
-    for (const Field &f : fields) {
-        switch (f.kind) {
-            case 0:
-                require(qorv_bsw_write(&bsw, f.value, f.bits) == 0, "there is room");
-                break;
-            case 1:
-                require(qorv_bsw_write1(&bsw, f.value) == 0, "there is room");
-                break;
-            case 2:
-                qorv_bsw_write_ue(&bsw, f.value);
-                break;
-            default:
-                qorv_bsw_write_se(&bsw, static_cast<int32_t>(f.value) - 16383);
-                break;
-        }
-    }
+    for (const Field &f : fields) write(bsw, f);
     require(qorv_bsw_sink(&bsw) == 0, "the last bytes fit");
     QORV_BSR bsr;
     qorv_bsr_init(&bsr, bsw.beg, static_cast<int32_t>(bsw.cur - bsw.beg), nullptr);
-    for (const Field &f : fields) {
-        switch (f.kind) {
-            case 0:
-                require(qorv_bsr_read(&bsr, f.bits) == f.value, "a field is read as written");
-                break;
-            case 1:
-                require(qorv_bsr_read1(&bsr) == f.value, "a bit is read as written");
-                break;
-            case 2:
-                require(qorv_bsr_read_ue(&bsr) == f.value, "ue is read as written");
-                break;
-            default:
-                require(qorv_bsr_read_se(&bsr) == static_cast<int32_t>(f.value) - 16383, "se is read as written");
-                break;
-        }
-    }
+    for (const Field &f : fields) require_read(bsr, f);
 }
 
 }  // namespace
