@@ -22,7 +22,7 @@ endif()
 
 # Compile options of every source that goes into the library.
 add_library(qorv_build_options INTERFACE)
-target_include_directories(qorv_build_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(qorv_build_options INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(qorv_build_options INTERFACE
   ${QORV_WARNINGS} -fvisibility=hidden -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-math-errno)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
