@@ -2,7 +2,7 @@
 
 #include "buffer/colour_space.h"
 #include "core/isa.h"
-#include "core/memory_kernels.h"
+#include "system/memory_kernels.h"
 #include "qorv_skia.h"
 
 using namespace qorv;

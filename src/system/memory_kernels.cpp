@@ -1,4 +1,4 @@
-#include "core/memory_kernels.h"
+#include "system/memory_kernels.h"
 
 #include "core/isa.h"
 #include "core/simd.h"

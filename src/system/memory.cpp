@@ -1,7 +1,7 @@
 #include <string.h>
 
 #include "core/isa.h"
-#include "core/memory_kernels.h"
+#include "system/memory_kernels.h"
 #include "qorv_skia.h"
 
 using namespace qorv;
