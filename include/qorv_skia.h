@@ -1206,9 +1206,9 @@ QORV_API void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_w,
 
 /** @name Conversion with scaling
  *  Planes are sampled bilinearly on the grid of the resizer (see there for steps, decimation and weights), each sample
- *  (w0 A + w1 B + w2 C + w3 D) >> 6, and the samples converted as by the converter of the same name without "rsz". The
- *  source must be at least one pixel wide and high; sides up to 32768 are right. Equal sizes are not a copy: the step
- *  is slightly below one pixel. dst_w or dst_h below 1 writes nothing. At most 32 KiB of stack are taken.
+ *  (w0 A + w1 B + w2 C + w3 D) >> 6, and the samples converted as by the converter of the same name without "rsz".
+ *  Sides up to 32768 are right; with a width or height below 1, of the source or the destination, nothing is touched.
+ *  Equal sizes are not a copy: the step is slightly below one pixel. At most 32 KiB of stack are taken.
  *  @{ */
 /** Planes R, G, B to interleaved bytes; dst: R, G, B channel pointers, 3 bytes a pixel.
  *  @copydetails qorv_csc_fn */

@@ -19,7 +19,7 @@ QORV_CSC_CONVERTERS(QORV_CONVERTER)
     extern "C" void qorv_csc_rsz_##name(const void *const *src, int32_t src_w, int32_t src_h,                 \
                                         const int32_t *src_stride, uint64_t, void *const *dst, int32_t dst_w, \
                                         int32_t dst_h, const int32_t *dst_stride, int32_t) {                  \
-        if (dst_h < 1) return;                                                                                \
+        if (src_w < 1 || src_h < 1 || dst_w < 1 || dst_h < 1) return;                                         \
         qorv::scale_picture(qorv::source_picture(qorv::source::layout, src, src_stride), src_w, src_h,        \
                             qorv::dest_picture(qorv::dest::layout, dst, dst_stride), dst_w, dst_h,            \
                             qorv::active.csc->name);                                                          \

@@ -247,7 +247,6 @@ void convert_picture(const SourcePicture &src, const DestPicture &dst, CscKernel
 
 void scale_picture(const SourcePicture &src, int32_t src_w, int32_t src_h, const DestPicture &dst, int32_t dst_w,
                    int32_t dst_h, CscKernel kernel) {
-    if (dst_w < 1 || dst_h < 1) return;
     static_assert(kStrip >= kStripColumns);
     ScaledDest dest{.picture = dst, .kernel = kernel, .direct = canonical(dst)};
     PlanesJob job{.grid = grid_between(src_w, src_h, dst_w, dst_h),

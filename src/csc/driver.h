@@ -24,7 +24,7 @@ DestPicture dest_picture(const Layout &layout, void *const *dst, const int32_t *
 void convert_picture(const SourcePicture &src, const DestPicture &dst, CscKernel kernel, int32_t w, int32_t h);
 
 // Samples planes of bytes bilinearly and converts the samples, for any destination size, with the outcome of the
-// per-pixel loop over the destination. The kernel is that of the same layouts without scaling. Takes 24 KiB of stack.
+// per-pixel loop over the destination. All sizes are at least 1. The kernel is that of the same layouts without scaling.
 void scale_picture(const SourcePicture &src, int32_t src_w, int32_t src_h, const DestPicture &dst, int32_t dst_w,
                    int32_t dst_h, CscKernel kernel);
 

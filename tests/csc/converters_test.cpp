@@ -254,6 +254,11 @@ TEST_P(Converters, EmptyPicturesAreLeftAlone) {
         for (const int32_t w : {0, -1, INT32_MIN}) run(c, call, w, 2);
         EXPECT_EQ(byte, 77) << c.name;
     }
+    constexpr int32_t kEmpty[][4] = {{8, 8, 9, 0}, {8, 8, 9, INT32_MIN}, {8, 8, 0, 9}, {8, 8, -1, 9},
+                                     {0, 8, 9, 9}, {-1, 8, 9, 9},        {8, 0, 9, 9}, {8, INT32_MIN, 9, 9}};
+    for (const CscScalingCase &c : csc_scaling_cases()) {
+        for (const auto &[sw, sh, dw, dh] : kEmpty) c.fn(nullptr, sw, sh, nullptr, 0, nullptr, dw, dh, nullptr, 0);
+    }
 }
 
 TEST_P(Converters, ScalingOfEveryRatioArrangementAndStride) {

@@ -189,6 +189,7 @@ void csc_reference(const CscCase &c, const void *const *src, int32_t w, int32_t 
 void csc_scaling_reference(const CscCase &c, const void *const *src, int32_t src_w, int32_t src_h,
                            const int32_t *src_stride, void *const *dst, int32_t dst_w, int32_t dst_h,
                            const int32_t *dst_stride) {
+    if (src_w < 1 || src_h < 1) return;
     const BilinearAxis x_axis(src_w, dst_w), y_axis(src_h, dst_h);
     for (int32_t y = 0; y < dst_h; y++) {
         for (int32_t x = 0; x < dst_w; x++) {
