@@ -250,11 +250,9 @@ void scale_picture(const SourcePicture &src, int32_t src_w, int32_t src_h, const
     static_assert(kStrip >= kStripColumns);
     ScaledDest dest{.picture = dst, .kernel = kernel, .direct = canonical(dst)};
     PlanesJob job{.grid = grid_between(src_w, src_h, dst_w, dst_h),
+                  .part = {.x = 0, .y = 0, .w = dst_w, .h = dst_h},
                   .planes = src.layout.count,
                   .rows = {},
-                  .first_column = 0,
-                  .columns = dst_w,
-                  .first_row = 0,
                   .take = [](void *context, const uint8_t *const *samples, int32_t x, int32_t n,
                              int32_t y) { static_cast<ScaledDest *>(context)->take(samples, x, n, y); },
                   .context = &dest};
@@ -263,10 +261,10 @@ void scale_picture(const SourcePicture &src, int32_t src_w, int32_t src_h, const
         active.resize->planes(job);
         return;
     }
-    job.columns = job.grid.h = 1;
-    for (job.first_row = 0; job.first_row < dst_h; job.first_row++) {
-        job.grid.first_y = job.first_row * job.grid.y.step;
-        for (job.first_column = 0; job.first_column < dst_w; job.first_column++) active.resize->planes(job);
+    Part &part = job.part;
+    part.w = part.h = 1;
+    for (part.y = 0; part.y < dst_h; part.y++) {
+        for (part.x = 0; part.x < dst_w; part.x++) active.resize->planes(job);
     }
 }
 

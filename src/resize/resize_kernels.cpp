@@ -49,15 +49,21 @@ struct Store565 {
     }
 };
 
+int32_t strip_columns(const Part &part, int32_t done) {
+    return part.w - done < kStripColumns ? part.w - done : kStripColumns;
+}
+
 template <class Pixel, int Slots, class Store>
 void resize(const ResizeJob &job) {
-    for (int32_t x = 0; x < job.grid.w; x += kStripColumns) {
-        const int32_t columns = job.grid.w - x < kStripColumns ? job.grid.w - x : kStripColumns;
-        const Columns<Pixel, Slots> strip(job.grid, x, columns);
+    const Part &part = job.part;
+    const int64_t readable = source_pixels(job.grid, part.end_x());
+    for (int32_t done = 0; done < part.w; done += kStripColumns) {
+        const int32_t columns = strip_columns(part, done);
+        const Columns<Pixel, Slots> strip(job.grid, part.x + done, columns, readable);
         Sampler<Pixel, Slots> sampler(strip, job.rows, job.grid.y);
-        uint8_t *dst = job.dst + ptrdiff_t{x} * Store::kPixelBytes;
-        int64_t y = job.grid.first_y;
-        for (int32_t row = 0; row < job.grid.h; row++, y += job.grid.y.step, dst += job.dst_stride) {
+        uint8_t *dst = job.dst + ptrdiff_t{done} * Store::kPixelBytes;
+        int64_t y = part.y * job.grid.y.step;
+        for (int32_t row = 0; row < part.h; row++, y += job.grid.y.step, dst += job.dst_stride) {
             sampler.seek(y);
             Store::row(sampler, columns, dst);
         }
@@ -70,20 +76,21 @@ void sample_strip(const PlanesJob &job, const Columns<Bytes<1>, 1> &strip, int32
         {strip, job.rows[0], step}, {strip, job.rows[1], step}, {strip, job.rows[2], step}, {strip, job.rows[3], step}};
     uint8_t samples[kMaxPlanes][kStripColumns];
     const uint8_t *const rows[kMaxPlanes] = {samples[0], samples[1], samples[2], samples[3]};
-    int64_t y = job.grid.first_y;
-    for (int32_t row = 0; row < job.grid.h; row++, y += step.step) {
+    int64_t y = job.part.y * step.step;
+    for (int32_t row = 0; row < job.part.h; row++, y += step.step) {
         for (int i = 0; i < job.planes; i++) {
             planes[i].seek(y);
             planes[i].write(0, strip.outputs, samples[i]);
         }
-        job.take(job.context, rows, first, strip.count, job.first_row + row);
+        job.take(job.context, rows, first, strip.count, job.part.y + row);
     }
 }
 
 void sample_planes(const PlanesJob &job) {
-    const int32_t end = job.first_column + job.columns;
-    for (int32_t x = job.first_column; x < end; x += kStripColumns) {
-        sample_strip(job, Columns<Bytes<1>, 1>(job.grid, x, end - x < kStripColumns ? end - x : kStripColumns), x);
+    const int64_t readable = source_pixels(job.grid, job.part.end_x());
+    for (int32_t done = 0; done < job.part.w; done += kStripColumns) {
+        const int32_t x = job.part.x + done;
+        sample_strip(job, Columns<Bytes<1>, 1>(job.grid, x, strip_columns(job.part, done), readable), x);
     }
 }
 

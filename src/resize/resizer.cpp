@@ -37,18 +37,14 @@ const Format *find_format(int32_t code) {
 }
 
 void run(const Format &format, const ResizeJob &job) {
-    if (job.grid.w > 0 && job.grid.h > 0) (active.resize->*format.kernel)(job);
+    if (job.part.w > 0 && job.part.h > 0) (active.resize->*format.kernel)(job);
 }
 
 // What a record's picture or band has in common: everything but the rows.
 ResizeJob job_of(const Format &format, const QORV_IRSZ &rsz) {
     const ptrdiff_t dst_stride = ptrdiff_t{rsz.dst_pitch} * format.pitch_unit;
-    return {.grid = {.x = {rsz.step_x, rsz.shift_x},
-                     .y = {rsz.step_y, rsz.shift_y},
-                     .neighbour = rsz.pel_step,
-                     .first_y = 0,
-                     .w = rsz.dst_w,
-                     .h = rsz.dst_h},
+    return {.grid = {.x = {rsz.step_x, rsz.shift_x}, .y = {rsz.step_y, rsz.shift_y}, .neighbour = rsz.pel_step},
+            .part = {.x = 0, .y = rsz.dst_row, .w = rsz.dst_w, .h = rsz.dst_h},
             .rows = {},
             .dst = static_cast<uint8_t *>(rsz.dst) + rsz.dst_row * dst_stride,
             .dst_stride = dst_stride};
@@ -70,7 +66,7 @@ void hold_row(const Format &format, QORV_IRSZ &rsz, const ResizeJob &job, int64_
     const bool straddles = rsz.dst_row < rsz.dst_h && upper < end;
     if (straddles && upper >= job.rows.first) {
         memcpy(rsz.line_buf, job.rows.base + (upper - job.rows.first) * job.rows.stride,
-               static_cast<size_t>(source_pixels(job.grid) * format.src_bytes));
+               static_cast<size_t>(source_pixels(job.grid, rsz.dst_w) * format.src_bytes));
     }
     rsz.row_cached = straddles;
     rsz.band_flag = straddles;
@@ -87,8 +83,7 @@ void resize_band(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint3
     for (; rsz.dst_row + rows < rsz.dst_h && last_row(rsz, y) < end; rows++) y += rsz.step_y;
 
     ResizeJob job = job_of(format, rsz);
-    job.grid.first_y = begin_y;
-    job.grid.h = rows;
+    job.part.h = rows;
     job.rows = {src, ptrdiff_t{rsz.src_pitch} * format.pitch_unit, first_row,
                 rsz.row_cached != 0 ? upper_row(rsz, begin_y) : -1, rsz.line_buf};
     run(format, job);
@@ -120,7 +115,8 @@ Axis unpacked(int32_t packed_step) {
 void resize_full(const Format &format, const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h,
                  int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y) {
     const Axis x = unpacked(step_x);
-    run(format, {.grid = {x, unpacked(step_y), 1 << x.shift, 0, dst_w, dst_h},
+    run(format, {.grid = {x, unpacked(step_y), 1 << x.shift},
+                 .part = {0, 0, dst_w, dst_h},
                  .rows = {src, ptrdiff_t{src_pitch} * format.pitch_unit, 0, -1, nullptr},
                  .dst = dst,
                  .dst_stride = ptrdiff_t{dst_pitch} * format.pitch_unit});
@@ -129,7 +125,9 @@ void resize_full(const Format &format, const uint8_t *src, uint32_t src_pitch, i
 void resize_line(const Format &format, const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w,
                  int32_t shift_x, int32_t pel_step, uint32_t step_x, uint8_t *dst) {
     const int64_t fy = weights[2] >> 3;  // of fx = 0 the third weight is 8 fy
-    run(format, {.grid = {{step_x, shift_x}, {0, 0}, pel_step, fy << kEighthBits, dst_w, 1},
+    // Row 1 of a destination whose rows lie fy eighths apart.
+    run(format, {.grid = {{step_x, shift_x}, {fy << kEighthBits, 0}, pel_step},
+                 .part = {0, 1, dst_w, 1},
                  .rows = {rows[1], 0, 1, 0, rows[0]},
                  .dst = dst,
                  .dst_stride = 0});

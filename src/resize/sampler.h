@@ -64,7 +64,8 @@ struct Columns {
     alignas(kVectorBytes) uint8_t indices[2 * kMaxOutputs];
     alignas(kVectorBytes) uint8_t weights[2 * kMaxOutputs];
 
-    Columns(const Grid &grid, int32_t first, int32_t columns) : count(columns), shift(grid.x.shift) {
+    // `readable`: pixels of a source row that may be read.
+    Columns(const Grid &grid, int32_t first, int32_t columns, int64_t readable) : count(columns), shift(grid.x.shift) {
         const int64_t x_step = grid.x.step, begin = first * x_step, end = (first + count - 1) * x_step;
         outputs = (count * Slots + kUnit - 1) / kUnit * kUnit;
         first_pixel = begin >> kPositionBits;
@@ -81,7 +82,7 @@ struct Columns {
         } else {
             fetch = Fetch::kCompact;
             pixels = static_cast<int>((end >> kPositionBits) - first_pixel) + (x_step != 0 ? 2 : 1);
-            lay_windows(static_cast<ptrdiff_t>(source_pixels(grid)) * Pixel::kMemory);
+            lay_windows(static_cast<ptrdiff_t>(readable) * Pixel::kMemory);
         }
     }
 
