@@ -4,10 +4,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "tests/support/noise.h"
 
 namespace bench {
 
@@ -25,10 +28,7 @@ void add(const std::string &name, const char *who, Work work) {
 // Bytes of a fixed pseudo-random sequence: the same picture for ours and for the peers.
 inline std::vector<uint8_t> noise(size_t bytes, uint32_t seed = 1) {
     std::vector<uint8_t> data(bytes);
-    for (uint8_t &byte : data) {
-        seed = seed * 1664525u + 1013904223u;
-        byte = static_cast<uint8_t>(seed >> 24);
-    }
+    std::generate(data.begin(), data.end(), test::Noise{seed});
     return data;
 }
 

@@ -4,6 +4,7 @@
 #include "kernels.h"
 #include "metric/reference.h"
 #include "regions.h"
+#include "support/noise.h"
 
 using fuzz::Input;
 using fuzz::Region;
@@ -25,12 +26,12 @@ Block choose_block(Input &input, test::SampleType sample, int w, int h) {
 void fill(Input &input, const Block &block, uint8_t *first) {
     const uint32_t base = input.word() & 0xFFFF, mask = input.word() & 0xFFFF;
     const uint8_t any_in = input.byte();
-    uint32_t seed = input.word();
+    test::Noise noise{input.word()};
     for (int y = 0; y < block.h; y++) {
         for (int x = 0; x < block.w; x++) {
-            seed = seed * 1664525 + 1013904223;
-            const bool any = any_in != 0 && (seed & 0xFFFF) % any_in == 0;
-            const auto value = static_cast<uint16_t>(any ? seed >> 16 : base ^ ((seed >> 16) & mask));
+            const uint32_t word = noise.word();
+            const bool any = any_in != 0 && (word & 0xFFFF) % any_in == 0;
+            const auto value = static_cast<uint16_t>(any ? word >> 16 : base ^ ((word >> 16) & mask));
             std::memcpy(first + (ptrdiff_t{y} * block.stride + x) * block.sample.bytes, &value,
                         static_cast<size_t>(block.sample.bytes));
         }

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <vector>
+
+#include "support/noise.h"
 
 namespace fuzz {
 
@@ -28,6 +31,7 @@ struct Region {
 // buffers, filled with random numbers.
 inline Buffers make_buffers(std::vector<Region> &regions, uint32_t seed) {
     Buffers buffers(regions.size());
+    test::Noise noise{seed};
     for (size_t i = 0; i < buffers.size(); i++) {
         int64_t first = INT64_MAX, end = INT64_MIN;
         for (const Region &r : regions) {
@@ -38,7 +42,7 @@ inline Buffers make_buffers(std::vector<Region> &regions, uint32_t seed) {
         if (first == INT64_MAX) continue;
         for (Region &r : regions) r.at -= r.buffer == i ? first : 0;
         buffers[i] = std::vector<uint8_t>(static_cast<size_t>(end - first));
-        for (uint8_t &byte : buffers[i]) byte = static_cast<uint8_t>((seed = seed * 1664525 + 1013904223) >> 24);
+        std::generate(buffers[i].begin(), buffers[i].end(), std::ref(noise));
     }
     return buffers;
 }

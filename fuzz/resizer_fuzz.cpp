@@ -5,6 +5,7 @@
 #include "kernels.h"
 #include "qorv_skia.h"
 #include "support/bilinear_reference.h"
+#include "support/noise.h"
 
 using fuzz::Input;
 using fuzz::require;
@@ -51,8 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
     const size_t pitch = static_cast<size_t>(param.src_w * format.src_bytes);
     std::vector<uint8_t> src(pitch * static_cast<size_t>(param.src_h));
-    uint32_t seed = input.word();
-    for (uint8_t &byte : src) byte = static_cast<uint8_t>((seed = seed * 1664525 + 1013904223) >> 24);
+    std::generate(src.begin(), src.end(), test::Noise{input.word()});
 
     param.mode = 10;
     const std::vector<uint8_t> picture = resize(param, format.dst_bytes, src, pitch);

@@ -192,7 +192,7 @@ TEST(BitReader, FollowsTheBitsOperationByOperation) {
         const std::vector<uint8_t> bytes = random_bytes(random, random.below(40));
         test::GuardedBuffer data(bytes.size(), random.below(2) != 0 ? test::Flush::kEnd : test::Flush::kBegin);
         data.assign(bytes);
-        data.protect(true);
+        data.make_read_only();
         Model model;
         for (const uint8_t byte : bytes) {
             for (int i = 7; i >= 0; i--) model.bits.push_back((byte >> i & 1) != 0);

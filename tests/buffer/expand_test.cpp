@@ -5,6 +5,8 @@
 
 #include "buffer/recording_allocator.h"
 #include "qorv_skia.h"
+#include "support/doing.h"
+#include "support/first_difference.h"
 #include "support/kernel_fixture.h"
 #include "support/random.h"
 
@@ -66,9 +68,11 @@ TEST_P(Expand, FollowsTheStepsInEveryColourSpace) {
                 if (round >= 30) word = QORV_IMGB_WORD(random.below((word >> 16) + 1), word & 0xFFFF);
             }
             const std::vector<uint8_t> expected = expanded(*imgb, margins);
+            const test::Doing doing("colour space %u, round %u", cs, round);
             ASSERT_EQ(qorv_imgb_expand(imgb, margins.data()), QORV_OK);
-            ASSERT_TRUE(memcmp(block, expected.data(), expected.size()) == 0)
-                << "cs " << cs << ", round " << round << ", seed " << test::seed();
+            ASSERT_EQ(test::first_difference<uint8_t>(expected, {block, expected.size()},
+                                                      std::max<size_t>(1, static_cast<size_t>(imgb->s[0]))),
+                      "");
             EXPECT_EQ(imgb->release(imgb), 0);
         }
     }
@@ -114,14 +118,15 @@ TEST_P(Expand, RunsOfBytesAndWordsAreExact) {
                 const size_t run = count > 0 && rows > 0 ? static_cast<size_t>(count) * sample : 0;
                 GuardedBuffer src(2 * kStride + sample), dst(run != 0 ? run + (rows - 1) * kStride : 0);
                 src.generate(test::Random(3));
-                src.protect(true);
+                src.make_read_only();
                 std::vector<uint8_t> expected = dst.bytes();
                 for (size_t at = 0; at < expected.size(); at++) {
                     if (at % kStride < run) expected[at] = src.data()[at / kStride * kStride + at % sample];
                 }
+                const test::Doing doing("%d samples of %zu bytes, %zu rows", count, sample, rows);
                 const auto fill = sample == 1 ? qorv_imgb_expand_ver : qorv_imgb_expand_ver_16;
                 fill(src.data(), dst.data(), static_cast<int32_t>(rows), static_cast<int32_t>(stride), count);
-                ASSERT_EQ(dst.bytes(), expected) << count << " of " << sample;
+                ASSERT_EQ(test::first_difference<uint8_t>(expected, dst.bytes(), kStride), "");
             }
         }
     }

@@ -89,7 +89,7 @@ TEST_P(Ring, HoldsThroughRandomOperations) {
                     qorv_rbuf_empty(ring);
                     model.rd = model.wr;
             }
-            ASSERT_NO_FATAL_FAILURE(expect_same(ring, model)) << "seed " << test::seed();
+            ASSERT_NO_FATAL_FAILURE(expect_same(ring, model));
         }
         qorv_rbuf_delete(ring);
     }

@@ -236,7 +236,7 @@ TEST_P(Converters, NothingOutsideThePictureIsTouched) {
                     }
                 };
                 add(c.src, call.src, call.src_stride);
-                for (GuardedBuffer &plane : planes) plane.protect(true);
+                for (GuardedBuffer &plane : planes) plane.make_read_only();
                 add(c.dst, call.dst, call.dst_stride);
                 run(c, call, w, 2);
                 for (const GuardedBuffer &plane : planes) ASSERT_TRUE(plane.slack_intact()) << c.name << " " << w;
@@ -320,7 +320,7 @@ TEST_P(Converters, ScalingReadsNothingOutsideItsPlanes) {
                 for (size_t k = 0; k < c.unscaled->src.size(); k++) {
                     src.emplace_back(static_cast<size_t>(sw * sh), flush);
                     src.back().generate(random);
-                    src.back().protect(true);
+                    src.back().make_read_only();
                     call.src[k] = src.back().data();
                     call.src_stride[k] = sw;
                 }

@@ -88,7 +88,7 @@ TEST(Md5, EveryLengthInAnyPieces) {
     for (size_t length = 0; length <= 300; length++) {
         test::GuardedBuffer data(length);
         data.generate(random);
-        data.protect(true);
+        data.make_read_only();
         const std::string expected = reference(data.bytes());
         EXPECT_EQ(digest_of(data.data(), length), expected) << length;
         QORV_MD5 md5;

@@ -30,13 +30,13 @@ struct Block {
     void fill(const std::function<int32_t(const Block &, size_t position)> &content) {
         const auto width = static_cast<size_t>(std::abs(stride)), bytes = static_cast<size_t>(sample.bytes);
         const size_t samples = buffer.size() / bytes, last_row = (samples - 1) / width;
-        buffer.protect(false);
+        buffer.make_writable();
         for (size_t i = 0; i < samples; i++) {
             const size_t row = stride < 0 ? last_row - i / width : i / width;
             const int32_t value = content(*this, row * 1024 + i % width);
             std::memcpy(buffer.data() + i * bytes, &value, bytes);  // the low bytes, on the machines that are built for
         }
-        buffer.protect(true);
+        buffer.make_read_only();
     }
 
     int32_t stride;
@@ -50,11 +50,6 @@ struct Content {
     const char *name;
     std::function<int32_t(const Block &, size_t position)> a, b;
 };
-
-Random &random_numbers() {
-    static Random random;
-    return random;
-}
 
 int32_t anything(const Block &block, size_t) {
     return random_numbers().between(block.sample.min, block.sample.max);
@@ -230,7 +225,7 @@ TEST_P(Metric, HadamardEqualsTheMatrix) {
     const auto check = [](const std::vector<int16_t> &values) {
         GuardedBuffer buffer(32);
         std::copy(values.begin(), values.end(), buffer.as<int16_t>());
-        buffer.protect(true);
+        buffer.make_read_only();
         EXPECT_EQ(qorv_hadamard4x4(buffer.as<int16_t>()), hadamard({values.begin(), values.end()}, 4) >> 1)
             << ::testing::PrintToString(values);
     };

@@ -38,7 +38,9 @@ public:
     void assign(const std::vector<uint8_t> &bytes);
     std::vector<uint8_t> bytes() const { return {data_, data_ + size_}; }
 
-    // Makes the buffer read-only (an input), or writable again.
+    // An input is read-only while the code under test runs.
+    void make_read_only() { protect(true); }
+    void make_writable() { protect(false); }
     void protect(bool read_only);
     // True while the slack between the buffer and the accessible page's far end is untouched.
     bool slack_intact() const;

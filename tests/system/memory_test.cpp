@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "qorv_skia.h"
+#include "support/doing.h"
+#include "support/first_difference.h"
 #include "support/guarded_buffer.h"
 #include "support/kernel_fixture.h"
 #include "support/random.h"
@@ -22,14 +24,15 @@ void expect_fill(size_t bytes, uint16_t pattern, Fill fill) {
     for (uint32_t variant = 0; variant < 4; variant++) {
         const bool at_end = variant % 2 == 0;
         const size_t away = variant / 2;
+        const test::Doing doing("%zu bytes, %zu from the %s", bytes, away, at_end ? "end" : "beginning");
         GuardedBuffer room(bytes + away, at_end ? Flush::kEnd : Flush::kBegin);
         room.fill(0x11);
         fill(room.data() + (at_end ? 0 : away));
         std::vector<uint8_t> expected(bytes);
         for (size_t i = 0; i < bytes; i++) expected[i] = static_cast<uint8_t>(pattern >> 8 * (i % 2));
         expected.insert(at_end ? expected.end() : expected.begin(), away, 0x11);
-        ASSERT_EQ(room.bytes(), expected);
-        EXPECT_TRUE(room.slack_intact()) << bytes;
+        ASSERT_EQ(test::first_difference<uint8_t>(expected, room.bytes(), expected.size()), "");
+        EXPECT_TRUE(room.slack_intact());
     }
 }
 
@@ -71,11 +74,13 @@ void expect_copy(const Copy &copy, Run run) {
     const auto first_row = [&](const GuardedBuffer &buffer, int32_t stride) {
         return buffer.data() + (stride < 0 && copy.rows > 0 ? static_cast<ptrdiff_t>(-stride) * (copy.rows - 1) : 0);
     };
+    const test::Doing doing("%d x %d bytes, strides %d to %d", copy.row_bytes, copy.rows, copy.src_stride,
+                            copy.dst_stride);
     for (Flush flush : test::kBothFlushes) {
         GuardedBuffer src(extent(copy.src_stride), flush), dst(extent(copy.dst_stride), flush);
         src.generate(test::Random(1));
         dst.generate(test::Random(2));
-        src.protect(true);
+        src.make_read_only();
         GuardedBuffer expected(dst.size(), flush);
         expected.assign(dst.bytes());
         const uint8_t *from = first_row(src, copy.src_stride);
@@ -85,8 +90,9 @@ void expect_copy(const Copy &copy, Run run) {
             }
         }
         run(first_row(dst, copy.dst_stride), from);
-        ASSERT_EQ(dst.bytes(), expected.bytes())
-            << copy.row_bytes << " x " << copy.rows << ", strides " << copy.dst_stride << " and " << copy.src_stride;
+        ASSERT_EQ(test::first_difference<uint8_t>(expected.bytes(), dst.bytes(),
+                                                  static_cast<size_t>(std::abs(copy.dst_stride))),
+                  "");
         EXPECT_TRUE(dst.slack_intact());
     }
 }

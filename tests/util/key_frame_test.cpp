@@ -85,7 +85,7 @@ TEST(KeyFrame, TheFirstDecidingStartCode) {
                 for (int i = 0; i < 8; i++) data.data()[at + i] = i < 2 ? 0 : start_code_byte(random);
                 data.data()[at + 2] = random.below(2) != 0 ? 1 : static_cast<uint8_t>(0x80 + random.below(4));
             }
-            data.protect(true);
+            data.make_read_only();
             const int expected = rule(codec.id, codec.needed, data.data(), size);
             keys += expected;
             ASSERT_EQ(qorv_is_vkeyfrm(codec.id, data.data(), size), expected)

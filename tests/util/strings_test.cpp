@@ -17,7 +17,7 @@ class Text {
 public:
     explicit Text(const std::string &text) : memory_(text.size() + 1) {
         memcpy(memory_.data(), text.c_str(), memory_.size());
-        memory_.protect(true);
+        memory_.make_read_only();
     }
     operator const char *() const { return memory_.as<char>(); }
     // The index of a result; -1 for null.
