@@ -31,9 +31,12 @@ extern "C" {
 /** @defgroup version Version
  *  @{ */
 
-#define QORV_VERSION_MAJOR 1 /**< Raised when the binary interface breaks. */
-#define QORV_VERSION_MINOR 0 /**< Raised when something is added. */
-#define QORV_VERSION_PATCH 0 /**< Raised when something is mended. */
+/** Raised when the binary interface breaks. */
+#define QORV_VERSION_MAJOR 1
+/** Raised when something is added. */
+#define QORV_VERSION_MINOR 0
+/** Raised when something is mended. */
+#define QORV_VERSION_PATCH 0
 
 /**
  * The version text of the library that is loaded, which is empty: the QORV_VERSION_* macros are what to compare.
@@ -48,17 +51,31 @@ QORV_API const char *qorv_version(void);
  *  operation is a reference count.
  *  @{ */
 
-#define QORV_OK 0                         /**< Success. */
-#define QORV_ERR (-1)                     /**< Generic failure: nothing left to read, no room to write, not parsable. */
-#define QORV_ERR_BSR_REFILL (-2)          /**< The bit reader's refill failed inside an Exp-Golomb code. */
-#define QORV_ERR_IRSZ_MODE (-2)           /**< Resizer mode is neither 10 nor 11 (never meets #QORV_ERR_BSR_REFILL). */
-#define QORV_ERR_IRSZ_NOMEM (-3)          /**< The resizer could not be allocated. */
-#define QORV_ERR_UNSUPPORTED_FMT (-4)     /**< Resizer pixel format not supported. */
-#define QORV_ERR_OUT_OF_MEMORY (-102)     /**< A control record could not be allocated, or a block is too small. */
-#define QORV_ERR_INVALID_ARG (-105)       /**< Null record, no bytes to copy, or an allocator without its release. */
-#define QORV_ERR_ALLOC_FAILED (-203)      /**< The sample-memory allocator returned null. */
-#define QORV_ERR_BITB_ALLOC_FAILED (-204) /**< The bitstream buffer's allocator returned null. */
-#define QORV_ERR_UNSUPPORTED_CS (-211)    /**< Colour space or conversion pair not supported. */
+/** The status codes; functions return them as int32_t. */
+enum QORV_STATUS {
+    /** Success. */
+    QORV_OK = 0,
+    /** Generic failure: nothing left to read, no room to write, not parsable. */
+    QORV_ERR = -1,
+    /** The bit reader's refill failed inside an Exp-Golomb code. */
+    QORV_ERR_BSR_REFILL = -2,
+    /** Resizer mode is neither 10 nor 11 (never meets #QORV_ERR_BSR_REFILL). */
+    QORV_ERR_IRSZ_MODE = -2,
+    /** The resizer could not be allocated. */
+    QORV_ERR_IRSZ_NOMEM = -3,
+    /** Resizer pixel format not supported. */
+    QORV_ERR_UNSUPPORTED_FMT = -4,
+    /** A control record could not be allocated, or a block is too small. */
+    QORV_ERR_OUT_OF_MEMORY = -102,
+    /** Null record, no bytes to copy, or an allocator without its release. */
+    QORV_ERR_INVALID_ARG = -105,
+    /** The sample-memory allocator returned null. */
+    QORV_ERR_ALLOC_FAILED = -203,
+    /** The bitstream buffer's allocator returned null. */
+    QORV_ERR_BITB_ALLOC_FAILED = -204,
+    /** Colour space or conversion pair not supported. */
+    QORV_ERR_UNSUPPORTED_CS = -211
+};
 
 /** @} */
 
@@ -278,35 +295,64 @@ QORV_API int32_t qorv_get_mac_addr(int32_t index, uint8_t *addr);
  *  W and H are the picture's size; half(x) = (x + 1) >> 1 and quarter(x) = (x + 3) >> 2, so odd sizes round up.
  *  @{ */
 
-#define QORV_CS_YUV400 10     /**< Luma only, 8-bit. */
-#define QORV_CS_YUV420 11     /**< Planar, chroma half(W) x half(H), 8-bit. */
-#define QORV_CS_YUV422 12     /**< Planar, chroma half(W) x H, 8-bit. */
-#define QORV_CS_YUV444 13     /**< Planar, chroma W x H, 8-bit. */
-#define QORV_CS_NV12 16       /**< Luma and one plane of interleaved chroma pairs, half(W) x half(H) pairs, 8-bit. */
-#define QORV_CS_NV21 17       /**< As #QORV_CS_NV12 with the other order in a pair. */
-#define QORV_CS_YUV440 18     /**< Planar, chroma W x half(H), 8-bit. */
-#define QORV_CS_YUV400_16 20  /**< Luma only, 16-bit words. */
-#define QORV_CS_YUV411 22     /**< Planar, chroma quarter(W) x H, 8-bit. */
-#define QORV_CS_YUVA420 41    /**< #QORV_CS_YUV420 and an alpha plane W x H. */
-#define QORV_CS_YUVA422 42    /**< #QORV_CS_YUV422 and an alpha plane W x H. */
-#define QORV_CS_YUVA444 43    /**< #QORV_CS_YUV444 and an alpha plane W x H. */
-#define QORV_CS_YUVA440 44    /**< #QORV_CS_YUV440 and an alpha plane W x H. */
-#define QORV_CS_P010 60       /**< Planar 4:2:0 (three planes), 10-bit samples in the low bits of 16-bit words. */
-#define QORV_CS_P210 61       /**< Planar 4:2:2, 10-bit samples in 16-bit words. */
-#define QORV_CS_P410 62       /**< Planar 4:4:4, 10-bit samples in 16-bit words. */
-#define QORV_CS_YUV420_16 63  /**< Planar 4:2:0 in 16-bit words. */
-#define QORV_CS_YUV422_16 64  /**< Planar 4:2:2 in 16-bit words. */
-#define QORV_CS_RGB565 200    /**< Packed 16-bit words: red in bits 15..11, green in 10..5, blue in 4..0. */
-#define QORV_CS_RGB888 400    /**< Packed bytes R, G, B. */
-#define QORV_CS_BGR888 401    /**< Packed bytes B, G, R (no converter is registered for it). */
-#define QORV_CS_RGBA5658 430  /**< 5-6-5 words and alpha bytes, 3 bytes a pixel; see the converters. */
-#define QORV_CS_RGBA8888 500  /**< Packed bytes R, G, B, A. */
-#define QORV_CS_BGRA8888 501  /**< Packed bytes B, G, R, A. */
-#define QORV_CS_ARGB8888 502  /**< Packed bytes A, R, G, B. */
-#define QORV_CS_R8G8B8 600    /**< Planes R, G, B of bytes (converters only). */
-#define QORV_CS_R10G10B10 603 /**< Planes R, G, B, 10-bit in 16-bit words (converters only). */
-#define QORV_CS_RGB565A8 650  /**< A plane of 5-6-5 words and a plane of alpha bytes (converters only). */
-#define QORV_CS_R8G8B8A8 700  /**< Planes R, G, B, A of bytes (converters only). */
+/** Luma only, 8-bit. */
+#define QORV_CS_YUV400 10
+/** Planar, chroma half(W) x half(H), 8-bit. */
+#define QORV_CS_YUV420 11
+/** Planar, chroma half(W) x H, 8-bit. */
+#define QORV_CS_YUV422 12
+/** Planar, chroma W x H, 8-bit. */
+#define QORV_CS_YUV444 13
+/** Luma and one plane of interleaved chroma pairs, half(W) x half(H) pairs, 8-bit. */
+#define QORV_CS_NV12 16
+/** As #QORV_CS_NV12 with the other order in a pair. */
+#define QORV_CS_NV21 17
+/** Planar, chroma W x half(H), 8-bit. */
+#define QORV_CS_YUV440 18
+/** Luma only, 16-bit words. */
+#define QORV_CS_YUV400_16 20
+/** Planar, chroma quarter(W) x H, 8-bit. */
+#define QORV_CS_YUV411 22
+/** #QORV_CS_YUV420 and an alpha plane W x H. */
+#define QORV_CS_YUVA420 41
+/** #QORV_CS_YUV422 and an alpha plane W x H. */
+#define QORV_CS_YUVA422 42
+/** #QORV_CS_YUV444 and an alpha plane W x H. */
+#define QORV_CS_YUVA444 43
+/** #QORV_CS_YUV440 and an alpha plane W x H. */
+#define QORV_CS_YUVA440 44
+/** Planar 4:2:0 (three planes), 10-bit samples in the low bits of 16-bit words. */
+#define QORV_CS_P010 60
+/** Planar 4:2:2, 10-bit samples in 16-bit words. */
+#define QORV_CS_P210 61
+/** Planar 4:4:4, 10-bit samples in 16-bit words. */
+#define QORV_CS_P410 62
+/** Planar 4:2:0 in 16-bit words. */
+#define QORV_CS_YUV420_16 63
+/** Planar 4:2:2 in 16-bit words. */
+#define QORV_CS_YUV422_16 64
+/** Packed 16-bit words: red in bits 15..11, green in 10..5, blue in 4..0. */
+#define QORV_CS_RGB565 200
+/** Packed bytes R, G, B. */
+#define QORV_CS_RGB888 400
+/** Packed bytes B, G, R (no converter is registered for it). */
+#define QORV_CS_BGR888 401
+/** 5-6-5 words and alpha bytes, 3 bytes a pixel; see the converters. */
+#define QORV_CS_RGBA5658 430
+/** Packed bytes R, G, B, A. */
+#define QORV_CS_RGBA8888 500
+/** Packed bytes B, G, R, A. */
+#define QORV_CS_BGRA8888 501
+/** Packed bytes A, R, G, B. */
+#define QORV_CS_ARGB8888 502
+/** Planes R, G, B of bytes (converters only). */
+#define QORV_CS_R8G8B8 600
+/** Planes R, G, B, 10-bit in 16-bit words (converters only). */
+#define QORV_CS_R10G10B10 603
+/** A plane of 5-6-5 words and a plane of alpha bytes (converters only). */
+#define QORV_CS_RGB565A8 650
+/** Planes R, G, B, A of bytes (converters only). */
+#define QORV_CS_R8G8B8A8 700
 
 /**
  * The planes of a picture in the YUV family, or in #QORV_CS_RGB888.
@@ -329,8 +375,10 @@ QORV_API int32_t qorv_imgb_get_dimension(uint32_t cs, uint32_t *widths, uint32_t
  *  A reference-counted picture of up to four planes in one block of memory.
  *  @{ */
 
-#define QORV_IMGB_OPT_ZERO_ALIGN 1u /**< Clear the alignment margin of every plane. */
-#define QORV_IMGB_OPT_ZERO_PAD 2u   /**< Clear the padding of every plane. */
+/** Clear the alignment margin of every plane. */
+#define QORV_IMGB_OPT_ZERO_ALIGN 1u
+/** Clear the padding of every plane. */
+#define QORV_IMGB_OPT_ZERO_PAD 2u
 
 /** Builds one element of an alignment or padding array: horizontal elements in the upper half, rows in the lower. */
 #define QORV_IMGB_WORD(horizontal, vertical) (((uint32_t)(horizontal) << 16) | (uint32_t)(vertical))
@@ -339,29 +387,48 @@ typedef struct QORV_IMGB QORV_IMGB;
 
 /** A picture. Made by qorv_imgb_create(); the fields are read by the user, only x and y are his to set. */
 struct QORV_IMGB {
-    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
-    int32_t (*addref)(QORV_IMGB *imgb);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*getref)(QORV_IMGB *imgb);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*release)(QORV_IMGB *imgb); /**< Drops a reference: the count left, 0 once block and record are freed,
-                                              #QORV_ERR_INVALID_ARG for null. */
-    int32_t w;                           /**< Width of plane 0 in pixels, before alignment. */
-    int32_t h;                           /**< Height of plane 0 in rows, before alignment. */
-    int32_t x;                           /**< First column of the active region; 0 after create and rebirth. */
-    int32_t y;                           /**< First row of the active region; 0 after create and rebirth. */
-    uint32_t cs;                         /**< Colour space, QORV_CS_*. */
-    int32_t s[4];                        /**< Stride of each plane in bytes, padding included. */
-    int32_t e[4];                        /**< Rows allocated for each plane, padding included. */
-    void *a[4];                          /**< First visible sample of each plane. */
-    uint64_t pa[4];                      /**< The same four positions in the auxiliary address space. */
-    uint8_t opaque[80];                  /**< Zero after create, never touched by the library; kept across rebirth. */
-    int32_t aw;                          /**< Aligned width of plane 0 in pixels. */
-    int32_t ah;                          /**< Aligned height of plane 0 in rows. */
-    qorv_alloc_fn alloc;                 /**< Allocator in use. */
-    qorv_free_fn free;                   /**< Its release function. */
-    void *baddr[4];                      /**< Storage of each plane (top-left corner of the padding); [0] the block. */
-    uint64_t bpaddr[4];                  /**< The same in the auxiliary address space; with the default allocator plain
-                                              byte offsets into the block. */
-    uint32_t bsize;                      /**< Bytes in the block. */
+    /** Reference count; changed only by the three operations. */
+    int32_t refcnt;
+    /** Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*addref)(QORV_IMGB *imgb);
+    /** The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_IMGB *imgb);
+    /** Drops a reference: the count left, 0 once block and record are freed, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_IMGB *imgb);
+    /** Width of plane 0 in pixels, before alignment. */
+    int32_t w;
+    /** Height of plane 0 in rows, before alignment. */
+    int32_t h;
+    /** First column of the active region; 0 after create and rebirth. */
+    int32_t x;
+    /** First row of the active region; 0 after create and rebirth. */
+    int32_t y;
+    /** Colour space, QORV_CS_*. */
+    uint32_t cs;
+    /** Stride of each plane in bytes, padding included. */
+    int32_t s[4];
+    /** Rows allocated for each plane, padding included. */
+    int32_t e[4];
+    /** First visible sample of each plane. */
+    void *a[4];
+    /** The same four positions in the auxiliary address space. */
+    uint64_t pa[4];
+    /** Zero after create, never touched by the library; kept across rebirth. */
+    uint8_t opaque[80];
+    /** Aligned width of plane 0 in pixels. */
+    int32_t aw;
+    /** Aligned height of plane 0 in rows. */
+    int32_t ah;
+    /** Allocator in use. */
+    qorv_alloc_fn alloc;
+    /** Its release function. */
+    qorv_free_fn free;
+    /** Storage of each plane (top-left corner of the padding); [0] the block. */
+    void *baddr[4];
+    /** The same in the auxiliary address space; with the default allocator plain byte offsets into the block. */
+    uint64_t bpaddr[4];
+    /** Bytes in the block. */
+    uint32_t bsize;
 };
 
 /**
@@ -497,57 +564,89 @@ typedef struct QORV_MFAL QORV_MFAL;
 
 /** Audio samples, in one buffer for all channels or in one for each. Made by qorv_audb_create(). */
 struct QORV_AUDB {
-    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
-    int32_t (*addref)(QORV_AUDB *audb);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*getref)(QORV_AUDB *audb);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*release)(QORV_AUDB *audb); /**< Drops a reference: the count left, 0 once buffers and record are freed,
-                                              #QORV_ERR_INVALID_ARG for null. */
-    uint32_t samples[8];                 /**< Samples per channel that each buffer holds; 0 where there is none. */
-    uint32_t size[8];                    /**< Bytes in each buffer. */
-    void *buf[8];                        /**< The buffers; null where there is none. */
-    uint64_t aux[8];                     /**< What the allocator stored for each buffer. */
-    int32_t channels;                    /**< Channels. */
-    uint32_t bits;                       /**< Bits per sample. */
-    uint32_t attr;                       /**< The creator's, stored only. */
-    uint32_t interleaved;                /**< 1: all channels share buffer 0; 0: one buffer a channel. */
-    int32_t layout;                      /**< The creator's; 1 to 99 selected interleaved. */
-    uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
-    qorv_alloc_fn alloc;                 /**< Allocator in use. */
-    qorv_free_fn free;                   /**< Its release function. */
+    /** Reference count; changed only by the three operations. */
+    int32_t refcnt;
+    /** Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*addref)(QORV_AUDB *audb);
+    /** The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_AUDB *audb);
+    /** Drops a reference: the count left, 0 once buffers and record are freed, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_AUDB *audb);
+    /** Samples per channel that each buffer holds; 0 where there is none. */
+    uint32_t samples[8];
+    /** Bytes in each buffer. */
+    uint32_t size[8];
+    /** The buffers; null where there is none. */
+    void *buf[8];
+    /** What the allocator stored for each buffer. */
+    uint64_t aux[8];
+    /** Channels. */
+    int32_t channels;
+    /** Bits per sample. */
+    uint32_t bits;
+    /** The creator's, stored only. */
+    uint32_t attr;
+    /** 1: all channels share buffer 0; 0: one buffer a channel. */
+    uint32_t interleaved;
+    /** The creator's; 1 to 99 selected interleaved. */
+    int32_t layout;
+    /** Zero after create, never touched by the library. */
+    uint8_t opaque[80];
+    /** Allocator in use. */
+    qorv_alloc_fn alloc;
+    /** Its release function. */
+    qorv_free_fn free;
 };
 
 /** A buffer of compressed bytes. Made by qorv_bitb_create(); its capacity is not kept. */
 struct QORV_BITB {
-    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
-    int32_t (*addref)(QORV_BITB *bitb);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*getref)(QORV_BITB *bitb);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*release)(QORV_BITB *bitb); /**< Drops a reference: the count left, 0 once buffer and record are freed,
-                                              #QORV_ERR_INVALID_ARG for null. */
-    void *buf;                           /**< The bytes. */
-    uint64_t aux;                        /**< What the allocator stored. */
-    uint8_t opaque_head[8];              /**< Zero after create, never touched by the library. */
-    uint32_t type;                       /**< The creator's, stored only. */
-    uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
-    qorv_alloc_fn alloc;                 /**< Allocator in use. */
-    qorv_free_fn free;                   /**< Its release function; null: the bytes are not freed. */
+    /** Reference count; changed only by the three operations. */
+    int32_t refcnt;
+    /** Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*addref)(QORV_BITB *bitb);
+    /** The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_BITB *bitb);
+    /** Drops a reference: the count left, 0 once buffer and record are freed, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_BITB *bitb);
+    /** The bytes. */
+    void *buf;
+    /** What the allocator stored. */
+    uint64_t aux;
+    /** Zero after create, never touched by the library. */
+    uint8_t opaque_head[8];
+    /** The creator's, stored only. */
+    uint32_t type;
+    /** Zero after create, never touched by the library. */
+    uint8_t opaque[80];
+    /** Allocator in use. */
+    qorv_alloc_fn alloc;
+    /** Its release function; null: the bytes are not freed. */
+    qorv_free_fn free;
 };
 
 /** A bare reference-counted record. Made by qorv_mfal_create(). */
 struct QORV_MFAL {
-    int32_t refcnt;                      /**< Reference count; changed only by the three operations. */
-    int32_t (*addref)(QORV_MFAL *mfal);  /**< Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*getref)(QORV_MFAL *mfal);  /**< The count, #QORV_ERR_INVALID_ARG for null. */
-    int32_t (*release)(QORV_MFAL *mfal); /**< Drops a reference: the count left, 0 once the record is freed,
-                                              #QORV_ERR_INVALID_ARG for null. */
-    uint8_t opaque[80];                  /**< Zero after create, never touched by the library. */
+    /** Reference count; changed only by the three operations. */
+    int32_t refcnt;
+    /** Adds a reference: the new count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*addref)(QORV_MFAL *mfal);
+    /** The count, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*getref)(QORV_MFAL *mfal);
+    /** Drops a reference: the count left, 0 once the record is freed, #QORV_ERR_INVALID_ARG for null. */
+    int32_t (*release)(QORV_MFAL *mfal);
+    /** Zero after create, never touched by the library. */
+    uint8_t opaque[80];
 };
 
 /** Bytes owned by whoever holds the record. All zero is the empty value; must be emptied with qorv_vdata_free() before
  * it is set again, since set and copy overwrite the address. */
 typedef struct QORV_VDATA {
-    uint32_t type; /**< The holder's, copied along with the bytes. */
-    int32_t size;  /**< Bytes. */
-    void *data;    /**< The copy, followed by two zero bytes that end it as text of 8 or 16 bits a character. */
+    /** The holder's, copied along with the bytes. */
+    uint32_t type;
+    /** Bytes. */
+    int32_t size;
+    /** The copy, followed by two zero bytes that end it as text of 8 or 16 bits a character. */
+    void *data;
 } QORV_VDATA;
 
 /**
@@ -641,13 +740,20 @@ typedef int32_t (*QORV_BSR_FN_FLUSH)(QORV_BSR *bsr, int32_t count);
 
 /** A bit reader, set up by qorv_bsr_init(). */
 struct QORV_BSR {
-    uint32_t code;              /**< Cache word: the next unread bits from bit 31 downwards, zeros below them. */
-    int32_t leftbits;           /**< Unread bits in `code`, 0 to 32; negative: bits to be dropped from the next word. */
-    const uint8_t *cur;         /**< Next byte to load. */
-    const uint8_t *end;         /**< Last byte of the buffer: beg + size - 1. */
-    const uint8_t *beg;         /**< First byte of the buffer. */
-    int32_t size;               /**< Bytes in the buffer. */
-    QORV_BSR_FN_FLUSH fn_flush; /**< The refill. */
+    /** Cache word: the next unread bits from bit 31 downwards, zeros below them. */
+    uint32_t code;
+    /** Unread bits in `code`, 0 to 32; negative: bits to be dropped from the next word. */
+    int32_t leftbits;
+    /** Next byte to load. */
+    const uint8_t *cur;
+    /** Last byte of the buffer: beg + size - 1. */
+    const uint8_t *end;
+    /** First byte of the buffer. */
+    const uint8_t *beg;
+    /** Bytes in the buffer. */
+    int32_t size;
+    /** The refill. */
+    QORV_BSR_FN_FLUSH fn_flush;
 };
 
 /**
@@ -809,13 +915,20 @@ typedef int32_t (*QORV_BSW_FN_FLUSH)(QORV_BSW *bsw);
 
 /** A bit writer, set up by qorv_bsw_init(). */
 struct QORV_BSW {
-    uint32_t code;              /**< Cache word: bits not yet stored, from bit 31 downwards, zeros below them. */
-    int32_t leftbits;           /**< Free bits in `code`: 32 when it is empty, 0 when it is full. */
-    uint8_t *cur;               /**< Next byte to store. */
-    uint8_t *end;               /**< Last byte of the buffer: beg + size - 1. */
-    uint8_t *beg;               /**< First byte of the buffer. */
-    int32_t size;               /**< Bytes in the buffer. */
-    QORV_BSW_FN_FLUSH fn_flush; /**< The flush. */
+    /** Cache word: bits not yet stored, from bit 31 downwards, zeros below them. */
+    uint32_t code;
+    /** Free bits in `code`: 32 when it is empty, 0 when it is full. */
+    int32_t leftbits;
+    /** Next byte to store. */
+    uint8_t *cur;
+    /** Last byte of the buffer: beg + size - 1. */
+    uint8_t *end;
+    /** First byte of the buffer. */
+    uint8_t *beg;
+    /** Bytes in the buffer. */
+    int32_t size;
+    /** The flush. */
+    QORV_BSW_FN_FLUSH fn_flush;
 };
 
 /**
@@ -1303,46 +1416,79 @@ extern QORV_API const uint8_t qorv_irsz_tbl_rsz_weight[64][4];
 
 /** What qorv_irsz_create() is told. */
 typedef struct QORV_IRSZ_PARAM {
-    int32_t format;     /**< 20, 21, 23, 25 or 29, see the table of the group. */
-    int32_t mode;       /**< 10: whole pictures; 11: one picture in bands of rows. */
-    int32_t src_w;      /**< Source width in pixels. */
-    int32_t src_h;      /**< Source height in rows. */
-    int32_t src_stride; /**< Pixels from one source row to the next; in band mode at least src_w. */
-    int32_t band_h;     /**< Band mode: rows of a band, at least 1. */
-    int32_t dst_w;      /**< Destination width in pixels. */
-    int32_t dst_h;      /**< Destination height in rows. */
-    int32_t dst_stride; /**< Pixels from one destination row to the next. */
-    void *dst;          /**< First destination row. */
+    /** 20, 21, 23, 25 or 29, see the table of the group. */
+    int32_t format;
+    /** 10: whole pictures; 11: one picture in bands of rows. */
+    int32_t mode;
+    /** Source width in pixels. */
+    int32_t src_w;
+    /** Source height in rows. */
+    int32_t src_h;
+    /** Pixels from one source row to the next; in band mode at least src_w. */
+    int32_t src_stride;
+    /** Band mode: rows of a band, at least 1. */
+    int32_t band_h;
+    /** Destination width in pixels. */
+    int32_t dst_w;
+    /** Destination height in rows. */
+    int32_t dst_h;
+    /** Pixels from one destination row to the next. */
+    int32_t dst_stride;
+    /** First destination row. */
+    void *dst;
 } QORV_IRSZ_PARAM;
 
 typedef struct QORV_IRSZ QORV_IRSZ;
 
 /** A resizer. Made by qorv_irsz_create(); its user reads, but does not change it. */
 struct QORV_IRSZ {
-    int32_t format;     /**< From the parameters. */
-    int32_t mode;       /**< From the parameters. */
-    uint32_t step_x;    /**< Decimated source pixels from column to column, 18 fraction bits. */
-    uint32_t step_y;    /**< Decimated source rows from row to row, 18 fraction bits. */
-    uint32_t pos_y;     /**< Band mode: position of destination row dst_row, modulo 2^32. */
-    int32_t pel_step;   /**< Pixels to the right neighbour, 1 << shift_x. */
-    int32_t src_pitch;  /**< Size of a source row in the format's unit. */
-    int32_t dst_w;      /**< Destination width in pixels. */
-    int32_t dst_h;      /**< Destination height in rows. */
-    int32_t dst_pitch;  /**< Size of a destination row in the format's unit. */
-    int32_t shift_x;    /**< Decimation shift of columns, 0 to 4. */
-    int32_t shift_y;    /**< Decimation shift of rows, 0 to 4. */
-    int32_t row_step;   /**< From a row to its lower neighbour, src_pitch << shift_y. */
-    int32_t saved_off;  /**< Band mode: while row_cached is 1, where the lower row will lie from the start of the next
-                             band, in the unit of src_pitch. */
-    int32_t row_cached; /**< Band mode: 1 while line_buf holds the upper row of the pending pair. */
-    int32_t band_bytes; /**< band_h * src_pitch. */
-    int32_t dst_row;    /**< Band mode: the next destination row to produce. */
-    int32_t upscale;    /**< 1 when the destination is wider or higher than the source. */
-    int32_t band_flag;  /**< Band mode: 1 when the pending pair of rows needs a row of a band to come. */
-    int32_t (*fn_rsz)(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row,
-                      uint32_t band_h); /**< The format's kernel. */
-    uint8_t *line_buf;                  /**< Band mode: one source row; null otherwise. */
-    void *dst;                          /**< From the parameters. */
+    /** From the parameters. */
+    int32_t format;
+    /** From the parameters. */
+    int32_t mode;
+    /** Decimated source pixels from column to column, 18 fraction bits. */
+    uint32_t step_x;
+    /** Decimated source rows from row to row, 18 fraction bits. */
+    uint32_t step_y;
+    /** Band mode: position of destination row dst_row, modulo 2^32. */
+    uint32_t pos_y;
+    /** Pixels to the right neighbour, 1 << shift_x. */
+    int32_t pel_step;
+    /** Size of a source row in the format's unit. */
+    int32_t src_pitch;
+    /** Destination width in pixels. */
+    int32_t dst_w;
+    /** Destination height in rows. */
+    int32_t dst_h;
+    /** Size of a destination row in the format's unit. */
+    int32_t dst_pitch;
+    /** Decimation shift of columns, 0 to 4. */
+    int32_t shift_x;
+    /** Decimation shift of rows, 0 to 4. */
+    int32_t shift_y;
+    /** From a row to its lower neighbour, src_pitch << shift_y. */
+    int32_t row_step;
+    /**
+     * Band mode: while row_cached is 1, where the lower row will lie from the start of the next band, in the unit of
+     * src_pitch.
+     */
+    int32_t saved_off;
+    /** Band mode: 1 while line_buf holds the upper row of the pending pair. */
+    int32_t row_cached;
+    /** band_h * src_pitch. */
+    int32_t band_bytes;
+    /** Band mode: the next destination row to produce. */
+    int32_t dst_row;
+    /** 1 when the destination is wider or higher than the source. */
+    int32_t upscale;
+    /** Band mode: 1 when the pending pair of rows needs a row of a band to come. */
+    int32_t band_flag;
+    /** The format's kernel. */
+    int32_t (*fn_rsz)(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
+    /** Band mode: one source row; null otherwise. */
+    uint8_t *line_buf;
+    /** From the parameters. */
+    void *dst;
 };
 
 /**
@@ -2086,8 +2232,10 @@ QORV_API uint32_t qorv_satd8x8_bi_16(const int16_t *a, const uint16_t *b, int32_
 
 /** The links of a node; an item's bytes (its payload) follow them in the same block. A node's address is its id. */
 typedef struct QORV_LIST_NODE {
-    struct QORV_LIST_NODE *prev; /**< The node before; the front sentinel points at itself. */
-    struct QORV_LIST_NODE *next; /**< The node after; the back sentinel points at itself. */
+    /** The node before; the front sentinel points at itself. */
+    struct QORV_LIST_NODE *prev;
+    /** The node after; the back sentinel points at itself. */
+    struct QORV_LIST_NODE *next;
 } QORV_LIST_NODE;
 
 /**
@@ -2099,12 +2247,18 @@ typedef int32_t (*qorv_item_free_fn)(void *item);
 
 /** A doubly linked list of items of one size, stored by value, with a cursor. Made by qorv_list_create(). */
 typedef struct QORV_LIST {
-    int32_t isize;               /**< Bytes of an item. */
-    int32_t cnt;                 /**< Items. */
-    QORV_LIST_NODE *head;        /**< Front sentinel. */
-    QORV_LIST_NODE *tail;        /**< Back sentinel. */
-    QORV_LIST_NODE *cur;         /**< The cursor's node, or null. */
-    qorv_item_free_fn item_free; /**< Called for each item that is removed, or null. */
+    /** Bytes of an item. */
+    int32_t isize;
+    /** Items. */
+    int32_t cnt;
+    /** Front sentinel. */
+    QORV_LIST_NODE *head;
+    /** Back sentinel. */
+    QORV_LIST_NODE *tail;
+    /** The cursor's node, or null. */
+    QORV_LIST_NODE *cur;
+    /** Called for each item that is removed, or null. */
+    qorv_item_free_fn item_free;
 } QORV_LIST;
 
 /**
@@ -2284,8 +2438,10 @@ QORV_API void qorv_list_rem_next(QORV_LIST *list);
 
 /** The links of a buffer; its bytes (the payload) follow them in the same block. */
 typedef struct QORV_RLIST_NODE {
-    struct QORV_RLIST_NODE *prev; /**< Towards the free end; null at the front. */
-    struct QORV_RLIST_NODE *next; /**< Towards the oldest used buffer; null at the back. */
+    /** Towards the free end; null at the front. */
+    struct QORV_RLIST_NODE *prev;
+    /** Towards the oldest used buffer; null at the back. */
+    struct QORV_RLIST_NODE *next;
 } QORV_RLIST_NODE;
 
 /**
@@ -2293,12 +2449,18 @@ typedef struct QORV_RLIST_NODE {
  * used ones behind them, the oldest at the back. Made by qorv_rlist_create().
  */
 typedef struct QORV_RLIST {
-    int32_t max;               /**< Buffers asked for at creation. */
-    int32_t isize;             /**< Bytes of a buffer. */
-    uint32_t used;             /**< Buffers handed out and not yet given back. */
-    QORV_RLIST_NODE *last;     /**< Back of the chain: the oldest used buffer, when there is one. */
-    QORV_RLIST_NODE *first;    /**< Front of the chain. */
-    QORV_RLIST_NODE *next_buf; /**< Private: the buffer to be handed out next, null when all are used. */
+    /** Buffers asked for at creation. */
+    int32_t max;
+    /** Bytes of a buffer. */
+    int32_t isize;
+    /** Buffers handed out and not yet given back. */
+    uint32_t used;
+    /** Back of the chain: the oldest used buffer, when there is one. */
+    QORV_RLIST_NODE *last;
+    /** Front of the chain. */
+    QORV_RLIST_NODE *first;
+    /** Private: the buffer to be handed out next, null when all are used. */
+    QORV_RLIST_NODE *next_buf;
 } QORV_RLIST;
 
 /**
@@ -2371,10 +2533,14 @@ QORV_API int32_t qorv_rlist_get_free_cnt(const QORV_RLIST *rlist);
  * ends every line with CR LF meets neither.
  */
 typedef struct QORV_RBUF {
-    int32_t wr;   /**< Write position. */
-    int32_t rd;   /**< Read position. */
-    int32_t size; /**< Bytes of storage; the capacity is one less. */
-    uint8_t *buf; /**< The storage. */
+    /** Write position. */
+    int32_t wr;
+    /** Read position. */
+    int32_t rd;
+    /** Bytes of storage; the capacity is one less. */
+    int32_t size;
+    /** The storage. */
+    uint8_t *buf;
 } QORV_RBUF;
 
 /**
@@ -2649,53 +2815,97 @@ QORV_API int32_t qorv_str_parse_uri(const char *uri, char *scheme, char *host, c
 /** @defgroup media Media types and key frames
  *  @{ */
 
-#define QORV_MT_NONE 0        /**< Known to no class. */
-#define QORV_MT_VID_MPEG4 102 /**< MPEG-4 part 2: DX50 dx50 DIV4 div4 DIVX divx XVID xvid FMP4 M4S2 m4s2 MP4V mp4v. */
-#define QORV_MT_VID_H263 103  /**< H.263: H263 h263 d263 s263. */
-#define QORV_MT_VID_H264 104  /**< H.264: AVC1 avc1 avcC H264 h264 x264. */
-#define QORV_MT_VID_WMV1 105  /**< Windows Media Video 7: WMV1 wmv1. */
-#define QORV_MT_VID_WMV2 106  /**< Windows Media Video 8: WMV2 wmv2. */
-#define QORV_MT_VID_WMV3 107  /**< Windows Media Video 9: WMV3 wmv3. */
-#define QORV_MT_VID_DIV3 110  /**< MS-MPEG-4 version 3: DIV3 div3. */
-#define QORV_MT_VID_H263_OTHER 111 /**< H.263 under another name: no tag leads here, a caller may set it. */
-#define QORV_MT_VID_RV10 113       /**< RealVideo 1: RV10. */
-#define QORV_MT_VID_RV20 114       /**< RealVideo 2: RV20. */
-#define QORV_MT_VID_RV30 115       /**< RealVideo 3: RV30. */
-#define QORV_MT_VID_RV40 116       /**< RealVideo 4: RV40. */
-#define QORV_MT_VID_MP43 117       /**< MS-MPEG-4 version 3 under its own tag: MP43 mp43. */
-#define QORV_MT_VID_VC1 118        /**< VC-1 advanced profile: WVC1 wvc1. */
-#define QORV_MT_VID_VP8 119        /**< VP8: VP80. */
-#define QORV_MT_VID_HEVC 120       /**< HEVC: HVC1 hvc1 hvcC H265 h265 x265. */
-#define QORV_MT_VID_HFYU 122       /**< HuffYUV: HFYU. */
-#define QORV_MT_VID_UNKNOWN 299    /**< No video tag. */
+/** Known to no class. */
+#define QORV_MT_NONE 0
+/** MPEG-4 part 2: DX50 dx50 DIV4 div4 DIVX divx XVID xvid FMP4 M4S2 m4s2 MP4V mp4v. */
+#define QORV_MT_VID_MPEG4 102
+/** H.263: H263 h263 d263 s263. */
+#define QORV_MT_VID_H263 103
+/** H.264: AVC1 avc1 avcC H264 h264 x264. */
+#define QORV_MT_VID_H264 104
+/** Windows Media Video 7: WMV1 wmv1. */
+#define QORV_MT_VID_WMV1 105
+/** Windows Media Video 8: WMV2 wmv2. */
+#define QORV_MT_VID_WMV2 106
+/** Windows Media Video 9: WMV3 wmv3. */
+#define QORV_MT_VID_WMV3 107
+/** MS-MPEG-4 version 3: DIV3 div3. */
+#define QORV_MT_VID_DIV3 110
+/** H.263 under another name: no tag leads here, a caller may set it. */
+#define QORV_MT_VID_H263_OTHER 111
+/** RealVideo 1: RV10. */
+#define QORV_MT_VID_RV10 113
+/** RealVideo 2: RV20. */
+#define QORV_MT_VID_RV20 114
+/** RealVideo 3: RV30. */
+#define QORV_MT_VID_RV30 115
+/** RealVideo 4: RV40. */
+#define QORV_MT_VID_RV40 116
+/** MS-MPEG-4 version 3 under its own tag: MP43 mp43. */
+#define QORV_MT_VID_MP43 117
+/** VC-1 advanced profile: WVC1 wvc1. */
+#define QORV_MT_VID_VC1 118
+/** VP8: VP80. */
+#define QORV_MT_VID_VP8 119
+/** HEVC: HVC1 hvc1 hvcC H265 h265 x265. */
+#define QORV_MT_VID_HEVC 120
+/** HuffYUV: HFYU. */
+#define QORV_MT_VID_HFYU 122
+/** No video tag. */
+#define QORV_MT_VID_UNKNOWN 299
 
-#define QORV_MT_AUD_PCM 300          /**< PCM: WAVE tag 1. */
-#define QORV_MT_AUD_ALAW 301         /**< G.711 A-law: WAVE tag 6. */
-#define QORV_MT_AUD_MULAW 302        /**< G.711 mu-law: WAVE tag 7. */
-#define QORV_MT_AUD_MPEG 304         /**< MPEG audio layers 1 and 2: WAVE tag 80. */
-#define QORV_MT_AUD_MP3 305          /**< MPEG audio layer 3: WAVE tag 85. */
-#define QORV_MT_AUD_AAC 306          /**< AAC: WAVE tag 255, "aac " mp4a. */
-#define QORV_MT_AUD_AC3 307          /**< AC-3: WAVE tag 8192. */
-#define QORV_MT_AUD_DTS 308          /**< DTS: WAVE tag 8193. */
-#define QORV_MT_AUD_AMR_NB 309       /**< AMR narrow band: samr. */
-#define QORV_MT_AUD_AMR_WB 310       /**< AMR wide band: sawb. */
-#define QORV_MT_AUD_QCELP 311        /**< QCELP: sqcp dqcp. */
-#define QORV_MT_AUD_WMA 312          /**< Windows Media Audio: WAVE tags 352, 353. */
-#define QORV_MT_AUD_WMA_PRO 313      /**< Windows Media Audio Professional: WAVE tag 354. */
-#define QORV_MT_AUD_WMA_LOSSLESS 314 /**< Windows Media Audio Lossless: WAVE tag 355. */
-#define QORV_MT_AUD_EVRC 321         /**< EVRC: evrc. */
-#define QORV_MT_AUD_SIPR 331         /**< RealAudio SIPR: sipr. */
-#define QORV_MT_AUD_COOK 332         /**< RealAudio Cook: cook. */
-#define QORV_MT_AUD_UNKNOWN 499      /**< No audio tag. */
+/** PCM: WAVE tag 1. */
+#define QORV_MT_AUD_PCM 300
+/** G.711 A-law: WAVE tag 6. */
+#define QORV_MT_AUD_ALAW 301
+/** G.711 mu-law: WAVE tag 7. */
+#define QORV_MT_AUD_MULAW 302
+/** MPEG audio layers 1 and 2: WAVE tag 80. */
+#define QORV_MT_AUD_MPEG 304
+/** MPEG audio layer 3: WAVE tag 85. */
+#define QORV_MT_AUD_MP3 305
+/** AAC: WAVE tag 255, "aac " mp4a. */
+#define QORV_MT_AUD_AAC 306
+/** AC-3: WAVE tag 8192. */
+#define QORV_MT_AUD_AC3 307
+/** DTS: WAVE tag 8193. */
+#define QORV_MT_AUD_DTS 308
+/** AMR narrow band: samr. */
+#define QORV_MT_AUD_AMR_NB 309
+/** AMR wide band: sawb. */
+#define QORV_MT_AUD_AMR_WB 310
+/** QCELP: sqcp dqcp. */
+#define QORV_MT_AUD_QCELP 311
+/** Windows Media Audio: WAVE tags 352, 353. */
+#define QORV_MT_AUD_WMA 312
+/** Windows Media Audio Professional: WAVE tag 354. */
+#define QORV_MT_AUD_WMA_PRO 313
+/** Windows Media Audio Lossless: WAVE tag 355. */
+#define QORV_MT_AUD_WMA_LOSSLESS 314
+/** EVRC: evrc. */
+#define QORV_MT_AUD_EVRC 321
+/** RealAudio SIPR: sipr. */
+#define QORV_MT_AUD_SIPR 331
+/** RealAudio Cook: cook. */
+#define QORV_MT_AUD_COOK 332
+/** No audio tag. */
+#define QORV_MT_AUD_UNKNOWN 499
 
-#define QORV_MT_DRM_DIVX 1100    /**< DivX protection: divx DIVX. */
-#define QORV_MT_DRM_UNKNOWN 1299 /**< No DRM tag. */
+/** DivX protection: divx DIVX. */
+#define QORV_MT_DRM_DIVX 1100
+/** No DRM tag. */
+#define QORV_MT_DRM_UNKNOWN 1299
 
-#define QORV_MT_SUB_SRT 3000     /**< SubRip: SSRT. */
-#define QORV_MT_SUB_TX3G 3006    /**< 3GPP timed text: TX3G tx3g SBTL sbtl. */
-#define QORV_MT_SUB_ASS 3007     /**< Advanced SubStation Alpha: SASS. */
-#define QORV_MT_SUB_SSA 3008     /**< SubStation Alpha: SSSA. */
-#define QORV_MT_SUB_UNKNOWN 3199 /**< No subtitle tag. */
+/** SubRip: SSRT. */
+#define QORV_MT_SUB_SRT 3000
+/** 3GPP timed text: TX3G tx3g SBTL sbtl. */
+#define QORV_MT_SUB_TX3G 3006
+/** Advanced SubStation Alpha: SASS. */
+#define QORV_MT_SUB_ASS 3007
+/** SubStation Alpha: SSSA. */
+#define QORV_MT_SUB_SSA 3008
+/** No subtitle tag. */
+#define QORV_MT_SUB_UNKNOWN 3199
 
 /** Builds a four-character code: the first character in the least significant byte. */
 #define QORV_FCC(a, b, c, d) \
@@ -2763,9 +2973,12 @@ QORV_API int32_t qorv_is_vkeyfrm(int32_t id, const uint8_t *data, int32_t size);
 
 /** A digest being computed, set up by qorv_md5_init(). */
 typedef struct QORV_MD5 {
-    uint32_t state[4];  /**< Chaining values A, B, C, D. */
-    uint8_t buffer[64]; /**< The incomplete block; it holds (count[0] >> 3) & 63 bytes. */
-    uint32_t count[2];  /**< Length of the message so far in bits: low word, high word. */
+    /** Chaining values A, B, C, D. */
+    uint32_t state[4];
+    /** The incomplete block; it holds (count[0] >> 3) & 63 bytes. */
+    uint8_t buffer[64];
+    /** Length of the message so far in bits: low word, high word. */
+    uint32_t count[2];
 } QORV_MD5;
 
 /**
