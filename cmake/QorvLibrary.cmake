@@ -2,12 +2,18 @@
 # Each folder adds its own with qorv_sources() and qorv_kernel_sources(); qorv_finish_library() makes the targets.
 
 set(QORV_WARNINGS -Wall -Wextra -Wconversion -Wshadow)
+# Presets make warnings errors. Those of compilers other than the two that scripts/check pins are only shown.
+if(NOT "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}" MATCHES "^(GNU 12|Clang 19)\\.")
+  set(CMAKE_COMPILE_WARNING_AS_ERROR OFF)
+endif()
+
+string(REGEX MATCH "^(aarch64|arm64|ARM64)$" QORV_AARCH64 "${CMAKE_SYSTEM_PROCESSOR}")
 
 if(QORV_SCALAR)
   set(QORV_ISAS plain)
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(QORV_ISAS v2 v3)
-elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+elseif(QORV_AARCH64)
   set(QORV_ISAS neon)
 else()
   set(QORV_ISAS plain)
@@ -25,7 +31,7 @@ add_library(qorv_build_options INTERFACE)
 target_include_directories(qorv_build_options INTERFACE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(qorv_build_options INTERFACE
   ${QORV_WARNINGS} -fvisibility=hidden -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-math-errno)
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+if(QORV_AARCH64)
   target_compile_options(qorv_build_options INTERFACE -mbranch-protection=standard)
 endif()
 if(NOT QORV_SANITIZE)
@@ -88,11 +94,11 @@ function(qorv_finish_library)
   if(NOT QORV_SANITIZE)
     target_link_options(qorv_skia PRIVATE -Wl,-z,defs)
   endif()
-  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+  if(QORV_AARCH64)
     target_link_options(qorv_skia PRIVATE -mbranch-protection=standard)
   endif()
   # Android devices of either architecture may have pages of 16 KiB, AArch64 servers too.
-  if(ANDROID OR CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+  if(ANDROID OR QORV_AARCH64)
     target_link_options(qorv_skia PRIVATE -Wl,-z,max-page-size=16384)
   endif()
 

@@ -111,9 +111,8 @@ void y4m_to_png(const Options &options) {
     Y4mReader reader(options.in);
     const Y4mFormat &format = reader.format();
     const int32_t cs = colour_space_of(reader);
-    const PixelFormat &pixels = find_pixel_format(!options.format.empty() ? options.format
-                                                  : cs == QORV_CS_P410    ? "r10g10b10"
-                                                                          : "rgb888");
+    const std::string fitting = cs == QORV_CS_P410 ? "r10g10b10" : "rgb888";
+    const PixelFormat &pixels = find_pixel_format(options.format.empty() ? fitting : options.format);
     if (pixels.cs == QORV_CS_ARGB8888 && !format.alpha) {
         throw Error("argb8888 needs a stream with alpha: from one without, blue is not computed");
     }
@@ -169,9 +168,8 @@ void write_y4m(const std::string &path, const QORV_IMGB &imgb) {
 void png_to_y4m(const Options &options) {
     if (!options.size.empty()) throw Error("--size: no converter to YUV scales; resize the picture first");
     const PngImage image = read_png(options.in);
-    const PixelFormat &pixels = find_pixel_format(!options.format.empty() ? options.format
-                                                  : image.channels == 4   ? "rgba8888"
-                                                                          : "rgb888");
+    const std::string fitting = image.channels == 4 ? "rgba8888" : "rgb888";
+    const PixelFormat &pixels = find_pixel_format(options.format.empty() ? fitting : options.format);
     const int32_t cs = pixels.cs == QORV_CS_R10G10B10 ? QORV_CS_P410
                        : pixels.has_alpha()           ? QORV_CS_YUVA444
                                                       : QORV_CS_YUV444;
