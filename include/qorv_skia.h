@@ -1473,15 +1473,21 @@ struct QORV_IRSZ {
      * src_pitch.
      */
     int32_t saved_off;
-    /** Band mode: 1 while line_buf holds the upper row of the pending pair. */
+    /**
+     * Band mode: 1 while a destination row is pending: its upper source row is in line_buf, its lower one has not come.
+     */
     int32_t row_cached;
     /** band_h * src_pitch. */
     int32_t band_bytes;
-    /** Band mode: the next destination row to produce. */
+    /** Band mode: the next destination row; a pending one counts as produced. */
     int32_t dst_row;
     /** 1 when the destination is wider or higher than the source. */
     int32_t upscale;
-    /** Band mode: 1 when the pending pair of rows needs a row of a band to come. */
+    /**
+     * Band mode: 1 when, with upscale 1, the two positions before and at pos_y lie in one row of a band: so the rows
+     * after a pending one share its pair. 0 again once a row is produced whose next lies in another band. Defined for
+     * band heights that are powers of two; what is written does not depend on it.
+     */
     int32_t band_flag;
     /** The format's kernel. */
     int32_t (*fn_rsz)(QORV_IRSZ *rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h);
@@ -1503,9 +1509,9 @@ QORV_API QORV_IRSZ *qorv_irsz_create(const QORV_IRSZ_PARAM *param, int32_t *stat
  * Resizes a picture, or takes the next band of one.
  *
  * Band mode: the bands of a picture are given in order, from its first row to its last, without gaps; their memory need
- * not outlive the call. Every destination row whose source rows have come is written, each once; together they are what
- * picture mode writes. Any band height works, also one that changes from call to call. A resizer in band mode serves
- * one picture.
+ * not outlive the call. Every destination row is written once, as soon as both its source rows have come, the lower one
+ * even where its weight is 0; together they are what picture mode writes. Any band height works, also one that changes
+ * from call to call. A resizer in band mode serves one picture.
  * @param rsz        the resizer.
  * @param src        first row of the picture or of the band.
  * @param first_row  band mode: number of that row in the picture; otherwise not used.

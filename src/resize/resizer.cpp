@@ -40,61 +40,73 @@ void run(const Format &format, const ResizeJob &job) {
     if (job.part.w > 0 && job.part.h > 0) (active.resize->*format.kernel)(job);
 }
 
-// What a record's picture or band has in common: everything but the rows.
-ResizeJob job_of(const Format &format, const QORV_IRSZ &rsz) {
+// What a record's picture or band has in common, for `rows` rows of the destination from `first` on: all but the source.
+ResizeJob job_of(const Format &format, const QORV_IRSZ &rsz, int32_t first, int32_t rows) {
     const ptrdiff_t dst_stride = ptrdiff_t{rsz.dst_pitch} * format.pitch_unit;
     return {.grid = {.x = {rsz.step_x, rsz.shift_x}, .y = {rsz.step_y, rsz.shift_y}, .neighbour = rsz.pel_step},
-            .part = {.x = 0, .y = rsz.dst_row, .w = rsz.dst_w, .h = rsz.dst_h},
+            .part = {.x = 0, .y = first, .w = rsz.dst_w, .h = rows},
             .rows = {},
-            .dst = static_cast<uint8_t *>(rsz.dst) + rsz.dst_row * dst_stride,
+            .dst = static_cast<uint8_t *>(rsz.dst) + first * dst_stride,
             .dst_stride = dst_stride};
 }
 
-int64_t upper_row(const QORV_IRSZ &rsz, int64_t y) {
-    return y >> kPositionBits << rsz.shift_y;
+int64_t position(const QORV_IRSZ &rsz, int32_t row) {
+    return int64_t{row} * rsz.step_y;
 }
 
-// The last row that is needed at a position: without a fraction, the upper one.
-int64_t last_row(const QORV_IRSZ &rsz, int64_t y) {
-    return upper_row(rsz, y) + ((y >> kEighthBits & 7) != 0 ? 1 << rsz.shift_y : 0);
+// The pair of source rows of a destination row. A source of one row has no lower one.
+int64_t upper_row(const QORV_IRSZ &rsz, int32_t row) {
+    return position(rsz, row) >> kPositionBits << rsz.shift_y;
 }
 
-// Keeps what the next destination row needs of a band whose memory goes away: its upper row, when the lower one is yet
-// to come.
-void hold_row(const Format &format, QORV_IRSZ &rsz, const ResizeJob &job, int64_t y, int64_t end) {
-    const int64_t upper = upper_row(rsz, y);
-    const bool straddles = rsz.dst_row < rsz.dst_h && upper < end;
-    if (straddles && upper >= job.rows.first) {
-        memcpy(rsz.line_buf, job.rows.base + (upper - job.rows.first) * job.rows.stride,
-               static_cast<size_t>(source_pixels(job.grid, rsz.dst_w) * format.src_bytes));
+int64_t lower_row(const QORV_IRSZ &rsz, int32_t row) {
+    return upper_row(rsz, row) + (rsz.step_y != 0 ? int64_t{1} << rsz.shift_y : 0);
+}
+
+// How far down in a band a destination row lies, for band heights that are powers of two.
+int64_t row_in_band(const QORV_IRSZ &rsz, int32_t row, uint32_t band_h) {
+    return position(rsz, row) >> (kPositionBits - rsz.shift_y) & (band_h - 1);
+}
+
+// Keeps the upper row of a pending destination row, of a band whose memory goes away before the lower one comes.
+void hold_upper_row(const Format &format, QORV_IRSZ &rsz, const SourceRows &band, int32_t row, int64_t end) {
+    const int64_t upper = upper_row(rsz, row);
+    if (upper >= band.first && rsz.dst_w > 0) {
+        const Axis x = {rsz.step_x, rsz.shift_x};
+        memcpy(rsz.line_buf, band.base + (upper - band.first) * band.stride,
+               static_cast<size_t>(source_pixels({.x = x, .y = {}, .neighbour = rsz.pel_step}, rsz.dst_w) *
+                                   format.src_bytes));
     }
-    rsz.row_cached = straddles;
-    rsz.band_flag = straddles;
-    if (straddles) rsz.saved_off = static_cast<int32_t>((last_row(rsz, y) - end) * rsz.src_pitch);
+    rsz.saved_off = static_cast<int32_t>((lower_row(rsz, row) - end) * rsz.src_pitch);
 }
 
-// Produces every destination row whose lower source row has come with this band.
+// Produces every destination row whose pair of source rows has come with this band. A row whose upper one alone has
+// come stays pending: `dst_row` and `pos_y` count it as done, `row_cached` says that it is not.
 void resize_band(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h) {
-    if (rsz.dst_w < 1) return;
     const int64_t end = int64_t{first_row} + band_h;
-    const int64_t begin_y = int64_t{rsz.dst_row} * rsz.step_y;
-    int64_t y = begin_y;
-    int32_t rows = 0;
-    for (; rsz.dst_row + rows < rsz.dst_h && last_row(rsz, y) < end; rows++) y += rsz.step_y;
+    const int32_t first = rsz.dst_row - rsz.row_cached;
+    int32_t row = first;
+    for (; row < rsz.dst_h && lower_row(rsz, row) < end; row++) {
+        if (row_in_band(rsz, row + 1, band_h) < row_in_band(rsz, row, band_h)) rsz.band_flag = 0;
+    }
 
-    ResizeJob job = job_of(format, rsz);
-    job.part.h = rows;
+    ResizeJob job = job_of(format, rsz, first, row - first);
     job.rows = {src, ptrdiff_t{rsz.src_pitch} * format.pitch_unit, first_row,
-                rsz.row_cached != 0 ? upper_row(rsz, begin_y) : -1, rsz.line_buf};
+                rsz.row_cached != 0 ? upper_row(rsz, first) : -1, rsz.line_buf};
     run(format, job);
 
-    rsz.dst_row += rows;
-    rsz.pos_y = static_cast<uint32_t>(y);
-    hold_row(format, rsz, job, y, end);
+    const bool pending = row < rsz.dst_h && upper_row(rsz, row) < end;
+    if (pending) hold_upper_row(format, rsz, job.rows, row, end);
+    rsz.row_cached = pending;
+    rsz.dst_row = row + pending;
+    rsz.pos_y = static_cast<uint32_t>(position(rsz, rsz.dst_row));
+    if (rsz.upscale != 0 && row_in_band(rsz, rsz.dst_row - 1, band_h) == row_in_band(rsz, rsz.dst_row, band_h)) {
+        rsz.band_flag = 1;
+    }
 }
 
 void resize_picture(const Format &format, const QORV_IRSZ &rsz, const uint8_t *src) {
-    ResizeJob job = job_of(format, rsz);
+    ResizeJob job = job_of(format, rsz, 0, rsz.dst_h);
     job.rows = {src, ptrdiff_t{rsz.src_pitch} * format.pitch_unit, 0, -1, nullptr};
     run(format, job);
 }
