@@ -6,7 +6,8 @@ install(TARGETS qorv_skia EXPORT qorv_skia
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev)
 install(TARGETS qorv_skia_static EXPORT qorv_skia
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev)
-install(FILES ${PROJECT_SOURCE_DIR}/include/qorv_skia.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
+install(FILES ${PROJECT_SOURCE_DIR}/include/qorv_skia.h ${PROJECT_SOURCE_DIR}/include/qorv_skia.hpp
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
 
 install(EXPORT qorv_skia NAMESPACE qorv:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qorv_skia FILE qorv_skia-targets.cmake COMPONENT dev)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/qorv_skia-config-version.cmake COMPATIBILITY SameMajorVersion)

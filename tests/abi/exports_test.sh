@@ -35,4 +35,8 @@ fi
 warnings="-Wall -Wextra -Wpedantic -Werror -fsyntax-only"
 "$cc" -std=c11 $warnings -x c "$header" || fail "the header as C11"
 "$cxx" -std=c++20 $warnings -x c++ "$header" || fail "the header as C++20"
+for standard in 17 20; do
+    "$cxx" -std=c++$standard $warnings -Wold-style-cast -fno-exceptions -fno-rtti -I"$source/include" -x c++ \
+        "$source/include/qorv_skia.hpp" || fail "the C++ interface as C++$standard"
+done
 exit $((failures != 0))
