@@ -4,7 +4,9 @@ packages_build="g++ cmake ninja-build pkg-config googletest libpng-dev libcli11-
 packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg-dev libx264-dev libssl-dev
   libopencv-core-dev libopencv-imgproc-dev"
 packages_android="clang-19 lld-19 libclang-rt-19-dev musl-dev linux-libc-dev"
-packages_check="gcc clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
+# What the tests need beside the build, in the quick check too.
+packages_test="gcc python3-cffi python3-numpy"
+packages_check="$packages_test clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
   g++-aarch64-linux-gnu qemu-user dpkg-dev doxygen abigail-tools $packages_android"
 
 need_packages() {
