@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string>
 
+#include "core/processor.h"
+
 #ifdef QORV_BENCH_AVUTIL
 extern "C" {
 #include <libavutil/avutil.h>
@@ -40,7 +42,7 @@ std::string cpuinfo(const std::string &key) {
 
 std::string kernel_set() {
 #if defined(__x86_64__)
-    return __builtin_cpu_supports("x86-64-v3") ? "x86-64-v3 (AVX2)" : "x86-64-v2 (SSE4.2)";
+    return qorv::has_x86_64_v3() ? "x86-64-v3 (AVX2)" : "x86-64-v2 (SSE4.2)";
 #elif defined(__aarch64__)
     return "NEON";
 #else

@@ -19,11 +19,11 @@ else()
   set(QORV_ISAS plain)
 endif()
 # The baseline set runs on processors of more than ten years ago alone: there, size counts for more than the last cycles.
-set(QORV_ISA_FLAGS_v2 -march=x86-64-v2 -Os)
+set(QORV_ISA_FLAGS_v2 -march=x86-64-v2 -Os -DQORV_SMALL_KERNELS)
 set(QORV_ISA_FLAGS_v3 -march=x86-64-v3)
 if(QORV_SANITIZE)
   # With a check at every access, the plain set's unrolled blocks would take the compiler minutes.
-  set(QORV_ISA_FLAGS_plain -Os)
+  set(QORV_ISA_FLAGS_plain -Os -DQORV_SMALL_KERNELS)
 endif()
 
 # Compile options of every source that goes into the library.

@@ -1,5 +1,7 @@
 #include "core/isa.h"
 
+#include "core/processor.h"
+
 namespace qorv {
 
 #if defined(QORV_HAVE_v2)
@@ -9,7 +11,7 @@ constinit KernelSet active = QORV_KERNEL_SET(v2);
 namespace {
 [[gnu::constructor]] void choose_kernel_set() {
     __builtin_cpu_init();
-    if (__builtin_cpu_supports("x86-64-v3")) active = QORV_KERNEL_SET(v3);
+    if (has_x86_64_v3()) active = QORV_KERNEL_SET(v3);
 }
 }  // namespace
 

@@ -1,11 +1,63 @@
-// The primitives of core/simd.h for AArch64 NEON.
+// The primitives for AArch64 NEON. core/simd_plain.h says what each gives.
 #pragma once
 
 #ifdef QORV_SIMD_NEON
 
 namespace qorv::QORV_ISA {
 
-// ---- Colour conversion ----
+// ---- Load and store ----
+
+[[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
+    const uint8x16x2_t v = vld2q_u8(p);
+    a = (U8)v.val[0];
+    b = (U8)v.val[1];
+}
+
+[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
+    const uint8x16x3_t v = vld3q_u8(p);
+    a = (U8)v.val[0];
+    b = (U8)v.val[1];
+    c = (U8)v.val[2];
+}
+
+[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
+    const uint8x16x4_t v = vld4q_u8(p);
+    a = (U8)v.val[0];
+    b = (U8)v.val[1];
+    c = (U8)v.val[2];
+    d = (U8)v.val[3];
+}
+
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
+    const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
+    vst2q_u8(p, v);
+}
+
+[[gnu::always_inline]] inline void store_interleaved3(uint8_t *p, U8 a, U8 b, U8 c) {
+    const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
+    vst3q_u8(p, v);
+}
+
+[[gnu::always_inline]] inline void store_interleaved4(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
+    const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
+    vst4q_u8(p, v);
+}
+
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
+    store(p, vzip1q_u16((uint16x8_t)a, (uint16x8_t)b));
+    store(p + 16, vzip2q_u16((uint16x8_t)a, (uint16x8_t)b));
+}
+
+template <int Bytes>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
+    return (Vec<int16_t, 16>)vmovl_u8(vld1_u8(p));
+}
+
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+    return load<U8>(p + offsets[0]);
+}
+
+// ---- Arithmetic ----
 
 // sum + C v of the lower or the upper half of v.
 template <bool Upper, int C>
@@ -47,6 +99,62 @@ template <int A, int B>
     return weighted<A, B, 0>(a, b, b);
 }
 
+template <int A, int B>
+[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
+    const int16x8_t va = (int16x8_t)a, vb = (int16x8_t)b;
+    int32x4_t lo = vmull_n_s16(vget_low_s16(va), A), hi = vmull_high_n_s16(va, A);
+    if constexpr (B != 0) {
+        lo = vmlal_n_s16(lo, vget_low_s16(vb), B);
+        hi = vmlal_high_n_s16(hi, vb, B);
+    }
+    return {(I32)lo, (I32)hi};
+}
+
+[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
+    return (U8)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+
+[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
+    return (U8)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vqaddq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<int16_t, 16>)vqsubq_s16((int16x8_t)a, (int16x8_t)b);
+}
+
+[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
+    return (U16)vminq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> max_lanes(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<uint16_t, 16>)vabdq_s16((int16x8_t)a, (int16x8_t)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
+    return (Vec<uint16_t, 16>)vabsq_s16((int16x8_t)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
+    return (Vec<uint32_t, 16>)vabsq_s32((int32x4_t)a);
+}
+
+[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
+    const uint16x8_t first = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8((uint8x16_t)weights));
+    return (U16)vmlal_high_u8(first, (uint8x16_t)v, (uint8x16_t)weights);
+}
+
+constexpr bool kHasSumsAndDifferences = false;
+
+// ---- Widen and narrow ----
+
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
     return (U8)vuzp2q_u8((uint8x16_t)w.lo, (uint8x16_t)w.hi);
 }
@@ -69,134 +177,41 @@ template <int C>
     return (U8)vqrshrn_high_n_s16(vqrshrn_n_s16((int16x8_t)w.lo, 8), (int16x8_t)w.hi, 8);
 }
 
-[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
-    return (U8)vuzp1q_u8((uint8x16_t)a, (uint8x16_t)b);
-}
-
-[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
-    return (U8)vqaddq_u8((uint8x16_t)a, (uint8x16_t)b);
-}
-
-[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
-    return (U8)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
-}
-
-template <int A, int B>
-[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
-    const int16x8_t va = (int16x8_t)a, vb = (int16x8_t)b;
-    int32x4_t lo = vmull_n_s16(vget_low_s16(va), A), hi = vmull_high_n_s16(va, A);
-    if constexpr (B != 0) {
-        lo = vmlal_n_s16(lo, vget_low_s16(vb), B);
-        hi = vmlal_high_n_s16(hi, vb, B);
-    }
-    return {(I32)lo, (I32)hi};
-}
-
 [[gnu::always_inline]] inline U16 narrow(Wide32 a) {
     return (U16)vqmovun_high_s32(vqmovun_s32((int32x4_t)a.lo), (int32x4_t)a.hi);
 }
 
-[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
-    return (U16)vminq_u16((uint16x8_t)a, (uint16x8_t)b);
+[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
+    return (U8)vuzp1q_u8((uint8x16_t)a, (uint8x16_t)b);
 }
 
-[[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
-    const uint8x16x2_t v = vld2q_u8(p);
-    a = (U8)v.val[0];
-    b = (U8)v.val[1];
+[[gnu::always_inline]] inline U16 join(U32 a, U32 b) {
+    return (U16)vmovn_high_u32(vmovn_u32((uint32x4_t)a), (uint32x4_t)b);
 }
 
-[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
-    const uint8x16x3_t v = vld3q_u8(p);
-    a = (U8)v.val[0];
-    b = (U8)v.val[1];
-    c = (U8)v.val[2];
-}
-
-[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
-    const uint8x16x4_t v = vld4q_u8(p);
-    a = (U8)v.val[0];
-    b = (U8)v.val[1];
-    c = (U8)v.val[2];
-    d = (U8)v.val[3];
-}
-
-[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
-    const uint8x16x2_t v = {{(uint8x16_t)a, (uint8x16_t)b}};
-    vst2q_u8(p, v);
-}
-
-[[gnu::always_inline]] inline void store_interleaved3(uint8_t *p, U8 a, U8 b, U8 c) {
-    const uint8x16x3_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
-    vst3q_u8(p, v);
-}
-
-[[gnu::always_inline]] inline void store_interleaved4(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
-    const uint8x16x4_t v = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
-    vst4q_u8(p, v);
-}
-
-// ---- End of colour conversion ----
-
-// ---- Block metrics ----
-
-constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1;
-
-template <int Bytes>
-using ByteDistances = Vec<uint16_t, Bytes>;
-constexpr int kMaxByteDistances = 128;  // each adds at most 2 x 255 to a 16-bit lane
-constexpr bool kHasSumsAndDifferences = false;
-
-[[gnu::always_inline]] inline void add_byte_distances(Vec<uint16_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
-    sum = (Vec<uint16_t, 16>)vpadalq_u8((uint16x8_t)sum, vabdq_u8((uint8x16_t)a, (uint8x16_t)b));
-}
-
-[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
-    const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
-    const uint32x4_t lo = vpadalq_u16((uint32x4_t)sum, vmull_u8(vget_low_u8(d), vget_low_u8(d)));
-    sum = (Vec<uint32_t, 16>)vpadalq_u16(lo, vmull_high_u8(d, d));
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
-    return (Vec<uint16_t, 16>)vabdq_s16((int16x8_t)a, (int16x8_t)b);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
-    return (Vec<uint16_t, 16>)vabsq_s16((int16x8_t)a);
-}
-
-[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
-    return (Vec<uint32_t, 16>)vabsq_s32((int32x4_t)a);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> max_lanes(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
-    return (Vec<uint16_t, 16>)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
-    return (Vec<uint16_t, 16>)vqaddq_u16((uint16x8_t)a, (uint16x8_t)b);
-}
-
-[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
-    return (Vec<int16_t, 16>)vqsubq_s16((int16x8_t)a, (int16x8_t)b);
-}
-
-[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
-    sum = (Vec<uint32_t, 16>)vpadalq_u16((uint32x4_t)sum, (uint16x8_t)a);
-}
-
-[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
-    const uint16x8_t v = (uint16x8_t)a;
-    sum = (Vec<uint32_t, 16>)vmlal_high_u16(vmlal_u16((uint32x4_t)sum, vget_low_u16(v), vget_low_u16(v)), v, v);
-}
-
-template <int Bytes>
-[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
-    return (Vec<int16_t, 16>)vmovl_u8(vld1_u8(p));
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
+    return (U8)vshrn_high_n_u16(vshrn_n_u16((uint16x8_t)a, N), (uint16x8_t)b, N);
 }
 
 [[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
     return (Vec<int16_t, 16>)vmovl_u8(vget_low_u8((uint8x16_t)a));
+}
+
+// ---- Shuffle ----
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
+    return (U8)vqtbl1q_u8((uint8x16_t)v, (uint8x16_t)indices);
+}
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
+    return (U8)vqtbl2q_u8(uint8x16x2_t{{(uint8x16_t)v, (uint8x16_t)w}}, (uint8x16_t)indices);
+}
+
+// The first bytes of the pairs in the lower half, the second ones in the upper: two widening multiplications then weigh
+// them.
+[[gnu::always_inline]] inline U8 pair_up(U16 a, U16 b) {
+    return (U8)vmovn_high_u16(vmovn_u16((uint16x8_t)a), (uint16x8_t)b);
 }
 
 template <int Bytes, class V>
@@ -211,6 +226,31 @@ template <int Bytes, class V>
         a = (V)vtrn1q_u64(x, y);
         b = (V)vtrn2q_u64(x, y);
     }
+}
+
+// ---- Reduce ----
+
+template <int Bytes>
+using ByteDistances = Vec<uint16_t, Bytes>;
+constexpr int kMaxByteDistances = 128;  // each adds at most 2 x 255 to a 16-bit lane
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint16_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    sum = (Vec<uint16_t, 16>)vpadalq_u8((uint16x8_t)sum, vabdq_u8((uint8x16_t)a, (uint8x16_t)b));
+}
+
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
+    const uint32x4_t lo = vpadalq_u16((uint32x4_t)sum, vmull_u8(vget_low_u8(d), vget_low_u8(d)));
+    sum = (Vec<uint32_t, 16>)vpadalq_u16(lo, vmull_high_u8(d, d));
+}
+
+[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    sum = (Vec<uint32_t, 16>)vpadalq_u16((uint32x4_t)sum, (uint16x8_t)a);
+}
+
+[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    const uint16x8_t v = (uint16x8_t)a;
+    sum = (Vec<uint32_t, 16>)vmlal_high_u16(vmlal_u16((uint32x4_t)sum, vget_low_u16(v), vget_low_u16(v)), v, v);
 }
 
 [[gnu::always_inline]] inline Vec<uint16_t, 16> max_of_pairs(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
@@ -232,49 +272,6 @@ template <int Bytes, class V>
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
     return vaddvq_u32((uint32x4_t)a);
 }
-
-// ---- End of block metrics ----
-
-// ---- Bilinear sampling ----
-
-[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
-    store(p, vzip1q_u16((uint16x8_t)a, (uint16x8_t)b));
-    store(p + 16, vzip2q_u16((uint16x8_t)a, (uint16x8_t)b));
-}
-
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
-    return load<U8>(p + offsets[0]);
-}
-
-[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
-    return (U8)vqtbl1q_u8((uint8x16_t)v, (uint8x16_t)indices);
-}
-
-[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
-    return (U8)vqtbl2q_u8(uint8x16x2_t{{(uint8x16_t)v, (uint8x16_t)w}}, (uint8x16_t)indices);
-}
-
-// The first bytes of the pairs in the lower half, the second ones in the upper: two widening multiplications then weigh
-// them.
-[[gnu::always_inline]] inline U8 pair_up(U16 a, U16 b) {
-    return (U8)vmovn_high_u16(vmovn_u16((uint16x8_t)a), (uint16x8_t)b);
-}
-
-[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
-    const uint16x8_t first = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8((uint8x16_t)weights));
-    return (U16)vmlal_high_u8(first, (uint8x16_t)v, (uint8x16_t)weights);
-}
-
-[[gnu::always_inline]] inline U16 join(U32 a, U32 b) {
-    return (U16)vmovn_high_u32(vmovn_u32((uint32x4_t)a), (uint32x4_t)b);
-}
-
-template <int N>
-[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
-    return (U8)vshrn_high_n_u16(vshrn_n_u16((uint16x8_t)a, N), (uint16x8_t)b, N);
-}
-
-// ---- End of bilinear sampling ----
 
 }  // namespace qorv::QORV_ISA
 

@@ -1,11 +1,12 @@
-// The primitives of core/simd.h without intrinsics, as loops over the lanes.
+// What each vector primitive gives: its contract, and below it the executable definition, loops over the lanes. The
+// files of the instruction sets have the same primitives, for vectors of 16 bytes and, where the register has 32, of
+// both sizes. What a contract leaves open, the place of a lane or the order of lanes, differs from set to set; each
+// kernel's result does not.
 #pragma once
 
 #ifdef QORV_SIMD_PLAIN
 
 namespace qorv::QORV_ISA {
-
-// ---- Colour conversion ----
 
 // f(i) for each lane i.
 template <class V, class F>
@@ -15,22 +16,6 @@ template <class V, class F>
     return v;
 }
 
-constexpr int clamped(int x, int low, int high) {
-    return x < low ? low : x > high ? high : x;
-}
-
-template <int A, int B>
-[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
-    constexpr int kHalf = kVectorBytes / 2;
-    return {each_lane<U16>([&](int i) { return A * a[i] + B * b[i]; }),
-            each_lane<U16>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
-}
-
-template <int A, int B, int C>
-[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b, U8 c) {
-    return weighted<A, B>(a, b) + weighted<C, 0>(c, c);
-}
-
 // f(lane) of a Wide's lanes, as bytes in order.
 template <class F>
 [[gnu::always_inline]] inline U8 bytes_of(Wide w, F f) {
@@ -38,56 +23,13 @@ template <class F>
     return each_lane<U8>([&](int i) { return f(i < kHalf ? w.lo[i] : w.hi[i - kHalf]); });
 }
 
-[[gnu::always_inline]] inline U8 high_bytes(Wide w) {
-    return bytes_of(w, [](uint16_t x) { return x >> 8; });
+constexpr int clamped(int x, int low, int high) {
+    return x < low ? low : x > high ? high : x;
 }
 
-template <int C>
-[[gnu::always_inline]] inline U8 high_bytes(U8 v) {
-    return each_lane<U8>([&](int i) { return C * v[i] >> 8; });
-}
+// ---- Load and store ----
 
-[[gnu::always_inline]] inline U8 high_bytes_rounded(Wide w) {
-    return high_bytes(w + 128);
-}
-
-template <int C>
-[[gnu::always_inline]] inline U8 high_bytes_rounded(U8 v) {
-    return each_lane<U8>([&](int i) { return (C * v[i] + 128) >> 8; });
-}
-
-[[gnu::always_inline]] inline U8 narrow_rounded(Wide w) {
-    return bytes_of(w, [](uint16_t x) { return clamped((static_cast<int16_t>(x) + 128) >> 8, -128, 127); });
-}
-
-[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
-    return bytes_of({a, b}, [](uint16_t x) { return x & 0xFF; });
-}
-
-[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
-    return each_lane<U8>([&](int i) { return clamped(a[i] + b[i], 0, 255); });
-}
-
-[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
-    return each_lane<U8>([&](int i) { return clamped(a[i] - b[i], 0, 255); });
-}
-
-template <int A, int B>
-[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
-    constexpr int kHalf = kVectorBytes / 4;
-    return {each_lane<I32>([&](int i) { return A * a[i] + B * b[i]; }),
-            each_lane<I32>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
-}
-
-[[gnu::always_inline]] inline U16 narrow(Wide32 w) {
-    constexpr int kHalf = kVectorBytes / 4;
-    return each_lane<U16>([&](int i) { return clamped(i < kHalf ? w.lo[i] : w.hi[i - kHalf], 0, UINT16_MAX); });
-}
-
-[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
-    return each_lane<U16>([&](int i) { return a[i] < b[i] ? a[i] : b[i]; });
-}
-
+// A vector of samples from each of two, three or four interleaved channels.
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
     for (int i = 0; i < kVectorBytes; i++, p += 2) a[i] = p[0], b[i] = p[1];
 }
@@ -100,6 +42,7 @@ template <int A, int B>
     for (int i = 0; i < kVectorBytes; i++, p += 4) a[i] = p[0], b[i] = p[1], c[i] = p[2], d[i] = p[3];
 }
 
+// And back, sample by sample in turn.
 [[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
     for (int i = 0; i < kVectorBytes; i++, p += 2) p[0] = a[i], p[1] = b[i];
 }
@@ -112,73 +55,15 @@ template <int A, int B>
     for (int i = 0; i < kVectorBytes; i++, p += 4) p[0] = a[i], p[1] = b[i], p[2] = c[i], p[3] = d[i];
 }
 
-// ---- End of colour conversion ----
-
-// ---- Block metrics ----
-
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
-
-template <int Bytes>
-using ByteDistances = Vec<uint32_t, Bytes>;
-constexpr int kMaxByteDistances = 1 << 20;
-constexpr bool kHasSumsAndDifferences = false;
-
-[[gnu::always_inline]] inline void add_byte_distances(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
-    for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
-}
-
-[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
-    for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>((a[i] - b[i]) * (a[i] - b[i]));
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
-    Vec<uint16_t, 16> v = {};
-    for (int i = 0; i < 8; i++) v[i] = static_cast<uint16_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
-    return v;
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
-    return abs_difference(a, Vec<int16_t, 16>{});
-}
-
-[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
-    for (int i = 0; i < 4; i++) a[i] = a[i] < 0 ? -a[i] : a[i];
-    return (Vec<uint32_t, 16>)a;
-}
-
-template <class V>
-[[gnu::always_inline]] inline V max_lanes(V a, V b) {
-    for (size_t i = 0; i < sizeof a / sizeof a[0]; i++) a[i] = a[i] > b[i] ? a[i] : b[i];
-    return a;
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
-    for (int i = 0; i < 8; i++) a[i] = static_cast<uint16_t>(a[i] + b[i] > UINT16_MAX ? UINT16_MAX : a[i] + b[i]);
-    return a;
-}
-
-[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
-    for (int i = 0; i < 8; i++) {
-        const int d = a[i] - b[i];
-        a[i] = static_cast<int16_t>(d < INT16_MIN ? INT16_MIN : d > INT16_MAX ? INT16_MAX : d);
+// Words in turn.
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
+    for (int i = 0; i < kVectorBytes / 2; i++, p += 4) {
+        const uint16_t pair[2] = {a[i], b[i]};
+        memcpy(p, pair, 4);
     }
-    return a;
 }
 
-[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
-    for (int i = 0; i < 8; i++) sum[i / 2] += a[i];
-}
-
-[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
-    for (int i = 0; i < 8; i++) sum[i / 2] += static_cast<uint32_t>(a[i]) * a[i];
-}
-
-[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
-    Vec<int16_t, 16> v = {};
-    for (int i = 0; i < 8; i++) v[i] = a[i];
-    return v;
-}
-
+// As many bytes from memory as a vector of `Bytes` bytes has 16-bit lanes, one in each.
 template <int Bytes>
 [[gnu::always_inline]] inline Vec<int16_t, Bytes> load_widened(const uint8_t *p) {
     Vec<int16_t, 16> v = {};
@@ -186,6 +71,167 @@ template <int Bytes>
     return v;
 }
 
+// 16 bytes from p + offsets[0] and, where there is a second 128-bit lane, 16 from p + offsets[1].
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+    return load<U8>(p + offsets[0]);
+}
+
+// ---- Arithmetic ----
+
+// A a + B b of bytes, in 16 bits. A and B are in -128..127, at most one of them below 0, and every sum within 16 bits
+// signed.
+template <int A, int B>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
+    constexpr int kHalf = kVectorBytes / 2;
+    return {each_lane<U16>([&](int i) { return A * a[i] + B * b[i]; }),
+            each_lane<U16>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
+}
+
+// A a + B b + C c of bytes, in 16 bits, with the weights of RGB to YUV: all positive with the sum 256, or A or C 128 and
+// the sum 0.
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(U8 a, U8 b, U8 c) {
+    return weighted<A, B>(a, b) + weighted<C, 0>(c, c);
+}
+
+// A a + B b of words read as signed, in 32 bits.
+template <int A, int B>
+[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
+    constexpr int kHalf = kVectorBytes / 4;
+    return {each_lane<I32>([&](int i) { return A * a[i] + B * b[i]; }),
+            each_lane<I32>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
+}
+
+// For each pair of neighbouring bytes of v, as pair_up() lays pairs, the sum of the two times those of the weights,
+// which are 0 to 8.
+[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
+    return each_lane<U16>([&](int i) { return v[2 * i] * weights[2 * i] + v[2 * i + 1] * weights[2 * i + 1]; });
+}
+
+// Clamped to the lane's range: bytes, unsigned words, signed words.
+[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
+    return each_lane<U8>([&](int i) { return clamped(a[i] + b[i], 0, UINT8_MAX); });
+}
+
+[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
+    return each_lane<U8>([&](int i) { return clamped(a[i] - b[i], 0, UINT8_MAX); });
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return each_lane<Vec<uint16_t, 16>>([&](int i) { return clamped(a[i] + b[i], 0, UINT16_MAX); });
+}
+
+// Vectors of 16 bytes alone.
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return each_lane<Vec<int16_t, 16>>([&](int i) { return clamped(a[i] - b[i], INT16_MIN, INT16_MAX); });
+}
+
+// The smaller of two words.
+[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
+    return each_lane<U16>([&](int i) { return a[i] < b[i] ? a[i] : b[i]; });
+}
+
+// The larger of two unsigned lanes.
+template <class V>
+[[gnu::always_inline]] inline V max_lanes(V a, V b) {
+    return each_lane<V>([&](int i) { return a[i] > b[i] ? a[i] : b[i]; });
+}
+
+// |a - b| where it is below 32767; from there on some value of 32767 to 65535.
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return each_lane<Vec<uint16_t, 16>>([&](int i) { return a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]; });
+}
+
+// |a|; the lowest value becomes 2^15 or 2^31.
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
+    return abs_difference(a, Vec<int16_t, 16>{});
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
+    return each_lane<Vec<uint32_t, 16>>([&](int i) { return a[i] < 0 ? -static_cast<uint32_t>(a[i]) : a[i]; });
+}
+
+// Whether there is sums_and_differences<Width, Bytes>(row, next), a vector of `Bytes` bytes loaded as the first stage of
+// a horizontal Hadamard transform: the sums of neighbouring bytes in the lower half of the 16-bit lanes, their
+// differences in the upper one. `Width` bytes come from `row`, and as many from `next` if that is a quarter of the
+// vector. With rows of 4 bytes, each half has first the sums and then the differences of one row.
+constexpr bool kHasSumsAndDifferences = false;
+
+// ---- Widen and narrow ----
+
+// Bits 15..8 of each lane.
+[[gnu::always_inline]] inline U8 high_bytes(Wide w) {
+    return bytes_of(w, [](uint16_t x) { return x >> 8; });
+}
+
+// (C v) >> 8 of bytes, C in 0..255.
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes(U8 v) {
+    return each_lane<U8>([&](int i) { return C * v[i] >> 8; });
+}
+
+// The same of each lane + 128, which does not overflow.
+[[gnu::always_inline]] inline U8 high_bytes_rounded(Wide w) {
+    return high_bytes(w + 128);
+}
+
+template <int C>
+[[gnu::always_inline]] inline U8 high_bytes_rounded(U8 v) {
+    return each_lane<U8>([&](int i) { return (C * v[i] + 128) >> 8; });
+}
+
+// (w + 128) >> 8 of lanes read as signed, clamped to -128..127.
+[[gnu::always_inline]] inline U8 narrow_rounded(Wide w) {
+    return bytes_of(w, [](uint16_t x) { return clamped((static_cast<int16_t>(x) + 128) >> 8, INT8_MIN, INT8_MAX); });
+}
+
+// Clamped to 0..65535.
+[[gnu::always_inline]] inline U16 narrow(Wide32 w) {
+    constexpr int kHalf = kVectorBytes / 4;
+    return each_lane<U16>([&](int i) { return clamped(i < kHalf ? w.lo[i] : w.hi[i - kHalf], 0, UINT16_MAX); });
+}
+
+// Bits 7..0 of the words of a, then of those of b.
+[[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
+    return bytes_of({a, b}, [](uint16_t x) { return x & 0xFF; });
+}
+
+// 32-bit lanes below 2^16 as 16-bit lanes, those of a first. Vectors of 16 bytes alone.
+[[gnu::always_inline]] inline Vec<uint16_t, 16> join(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
+    return each_lane<Vec<uint16_t, 16>>([&](int i) { return i < 4 ? a[i] : b[i - 4]; });
+}
+
+// 16-bit lanes >> N, below 256, as bytes: in each 128-bit lane those of a, then those of b.
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
+    return bytes_of({a, b}, [](uint16_t x) { return x >> N; });
+}
+
+// The lower 8 of 16 bytes as 16-bit lanes.
+[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
+    return each_lane<Vec<int16_t, 16>>([&](int i) { return a[i]; });
+}
+
+// ---- Shuffle ----
+
+// Bytes of v by index, 0 to 15, within each 128-bit lane.
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
+    return each_lane<U8>([&](int i) { return v[indices[i]]; });
+}
+
+// The same from two vectors: 0 to 15 are the bytes of v, 16 to 31 those of w.
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
+    return each_lane<U8>([&](int i) { return indices[i] < 16 ? v[indices[i]] : w[indices[i] - 16]; });
+}
+
+// Eight pairs of bytes from lanes below 256, the first of each from a and the second from b, laid as weigh_pairs() takes
+// them: side by side, or all first ones before all second ones. Vectors of 16 bytes alone.
+[[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return each_lane<Vec<uint8_t, 16>>([&](int i) { return i % 2 == 0 ? a[i / 2] : b[i / 2]; });
+}
+
+// Deals groups of `Bytes` bytes, 4 or 8, in each 128-bit lane: a gets those with even numbers of both vectors, b those
+// with odd ones, in an order of the set's own.
 template <int Bytes, class V>
 [[gnu::always_inline]] inline void exchange(V &a, V &b) {
     constexpr int kGroup = Bytes / static_cast<int>(sizeof a[0]);
@@ -197,70 +243,57 @@ template <int Bytes, class V>
     }
 }
 
-template <class V>
-[[gnu::always_inline]] inline V max_of_pairs(V a, V b) {
-    V even = {}, odd = {};
-    constexpr int kHalf = sizeof a / sizeof a[0] / 2;
-    for (int i = 0; i < kHalf; i++) {
-        even[i] = a[2 * i], odd[i] = a[2 * i + 1];
-        even[kHalf + i] = b[2 * i], odd[kHalf + i] = b[2 * i + 1];
-    }
-    return max_lanes(even, odd);
+// Where a register has 32 bytes there is also concatenate(lo, hi): two vectors of 16 bytes side by side in one.
+
+// ---- Reduce ----
+
+// The type of the sums of add_byte_distances(), and how often a vector may be added to one before a lane overflows.
+template <int Bytes>
+using ByteDistances = Vec<uint32_t, Bytes>;
+constexpr int kMaxByteDistances = 1 << 20;
+
+// Adds |a - b| of every byte to some lane.
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
 }
 
+// Adds (a - b)^2 of every byte to some lane, modulo 2^32.
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>((a[i] - b[i]) * (a[i] - b[i]));
+}
+
+// Adds lanes below 2^15 to some lane, modulo 2^32.
+[[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    for (int i = 0; i < 8; i++) sum[i / 2] += a[i];
+}
+
+// Adds the squares of lanes below 2^15 to some lane, modulo 2^32.
+[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
+    for (int i = 0; i < 8; i++) sum[i / 2] += static_cast<uint32_t>(a[i]) * a[i];
+}
+
+// The larger one of each pair of neighbouring unsigned lanes of both vectors, in any order.
+template <class V>
+[[gnu::always_inline]] inline V max_of_pairs(V a, V b) {
+    constexpr int kHalf = sizeof a / sizeof a[0] / 2;
+    return each_lane<V>([&](int i) {
+        const V &from = i < kHalf ? a : b;
+        const int pair = i % kHalf;
+        return from[2 * pair] > from[2 * pair + 1] ? from[2 * pair] : from[2 * pair + 1];
+    });
+}
+
+// Whether it is in any 16-bit lane.
 [[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
     uint16_t all = 0;
     for (int i = 0; i < 8; i++) all = static_cast<uint16_t>(all | a[i]);
     return all >= 0x8000;
 }
 
+// Of sums of any of the types above, modulo 2^32.
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
     return a[0] + a[1] + a[2] + a[3];
 }
-
-// ---- End of block metrics ----
-
-// ---- Bilinear sampling ----
-
-[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
-    for (int i = 0; i < kVectorBytes / 2; i++, p += 4) {
-        const uint16_t pair[2] = {a[i], b[i]};
-        memcpy(p, pair, 4);
-    }
-}
-
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
-    return load<U8>(p + offsets[0]);
-}
-
-[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
-    return each_lane<U8>([&](int i) { return v[indices[i]]; });
-}
-
-[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
-    return each_lane<U8>([&](int i) { return indices[i] < 16 ? v[indices[i]] : w[indices[i] - 16]; });
-}
-
-[[gnu::always_inline]] inline U8 pair_up(U16 a, U16 b) {
-    return each_lane<U8>([&](int i) { return i % 2 == 0 ? a[i / 2] : b[i / 2]; });
-}
-
-[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
-    return each_lane<U16>([&](int i) { return v[2 * i] * weights[2 * i] + v[2 * i + 1] * weights[2 * i + 1]; });
-}
-
-[[gnu::always_inline]] inline U16 join(U32 a, U32 b) {
-    constexpr int kHalf = kVectorBytes / 4;
-    return each_lane<U16>([&](int i) { return i < kHalf ? a[i] : b[i - kHalf]; });
-}
-
-template <int N>
-[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
-    constexpr int kHalf = kVectorBytes / 2;
-    return each_lane<U8>([&](int i) { return (i < kHalf ? a[i] : b[i - kHalf]) >> N; });
-}
-
-// ---- End of bilinear sampling ----
 
 }  // namespace qorv::QORV_ISA
 

@@ -1,33 +1,200 @@
-// The primitives of core/simd.h for x86: SSE4.1 (v2) and AVX2 (v3).
+// The primitives for x86: SSE4.1 (v2) and AVX2 (v3). core/simd_plain.h says what each gives.
 #pragma once
 
 #ifdef QORV_SIMD_X86
 
-// The intrinsic of the full register: both sets have the same operations, AVX2 does them in each 128-bit lane.
-#if defined(QORV_ISA_IS_v3)
-#define QORV_MM(operation) _mm256_##operation
-#else
-#define QORV_MM(operation) _mm_##operation
-#endif
+#include "core/hide_origin.h"
 
 namespace qorv::QORV_ISA {
 
-#if defined(QORV_ISA_IS_v3)
+// The full register and its intrinsics: both sets have the same operations, AVX2 does them in each 128-bit lane.
+#if QORV_VECTOR_BYTES == 32
 using Register = __m256i;
+#define QORV_MM(operation) _mm256_##operation
 #else
 using Register = __m128i;
+#define QORV_MM(operation) _mm_##operation
 #endif
 
 // The same 16 bytes in every lane.
 [[gnu::always_inline]] inline Register every_lane(__m128i v) {
-#if defined(QORV_ISA_IS_v3)
+#if QORV_VECTOR_BYTES == 32
     return _mm256_broadcastsi128_si256(v);
 #else
     return v;
 #endif
 }
 
-// ---- Colour conversion ----
+// A constant that is loaded, once; the compiler would put it together in a general register, or load it at every use.
+template <class V>
+[[gnu::always_inline]] inline V constant(const V &in_memory) {
+    const V *p = &in_memory;
+    hide_origin(p);
+    V v = *p;
+    hide_origin(v);
+    return v;
+}
+
+// 16 bytes that a shuffle takes from places f(0), f(1), ...: negative gives 0.
+template <class F>
+[[gnu::always_inline]] inline Register shuffle_indices(F f) {
+    return every_lane(_mm_setr_epi8(
+        static_cast<char>(f(0)), static_cast<char>(f(1)), static_cast<char>(f(2)), static_cast<char>(f(3)),
+        static_cast<char>(f(4)), static_cast<char>(f(5)), static_cast<char>(f(6)), static_cast<char>(f(7)),
+        static_cast<char>(f(8)), static_cast<char>(f(9)), static_cast<char>(f(10)), static_cast<char>(f(11)),
+        static_cast<char>(f(12)), static_cast<char>(f(13)), static_cast<char>(f(14)), static_cast<char>(f(15))));
+}
+
+// ---- Load and store ----
+
+// The `index`-th 16 bytes of `Channels` interleaved channels, and in the second lane those of the next 16 pixels.
+template <int Channels>
+[[gnu::always_inline]] inline Register load_lanes(const uint8_t *p, int index) {
+    const __m128i *q = reinterpret_cast<const __m128i *>(p) + index;
+#if QORV_VECTOR_BYTES == 32
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(q)), _mm_loadu_si128(q + Channels), 1);
+#else
+    return _mm_loadu_si128(q);
+#endif
+}
+
+[[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
+    const U16 v0 = (U16)load_lanes<2>(p, 0), v1 = (U16)load_lanes<2>(p, 1);
+    a = (U8)QORV_MM(packus_epi16)((Register)(v0 & 0xFF), (Register)(v1 & 0xFF));
+    b = (U8)QORV_MM(packus_epi16)((Register)(v0 >> 8), (Register)(v1 >> 8));
+}
+
+// One of three interleaved channels: the union of a shuffle of each register.
+template <int Channel>
+[[gnu::always_inline]] inline U8 gather3(Register v0, Register v1, Register v2) {
+    const auto from = [](int index) {
+        return [index](int i) { return (3 * i + Channel) / 16 == index ? (3 * i + Channel) % 16 : -1; };
+    };
+    const Register s0 = QORV_MM(shuffle_epi8)(v0, shuffle_indices(from(0)));
+    const Register s1 = QORV_MM(shuffle_epi8)(v1, shuffle_indices(from(1)));
+    const Register s2 = QORV_MM(shuffle_epi8)(v2, shuffle_indices(from(2)));
+    return (U8)s0 | (U8)s1 | (U8)s2;
+}
+
+[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
+    const Register v0 = load_lanes<3>(p, 0), v1 = load_lanes<3>(p, 1), v2 = load_lanes<3>(p, 2);
+    a = gather3<0>(v0, v1, v2);
+    b = gather3<1>(v0, v1, v2);
+    c = gather3<2>(v0, v1, v2);
+}
+
+// Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix
+// of those lanes is transposed.
+[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
+    const Register gather = every_lane(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    const Register v0 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 0), gather);
+    const Register v1 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 1), gather);
+    const Register v2 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 2), gather);
+    const Register v3 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 3), gather);
+    const Register ab01 = QORV_MM(unpacklo_epi32)(v0, v1), cd01 = QORV_MM(unpackhi_epi32)(v0, v1);
+    const Register ab23 = QORV_MM(unpacklo_epi32)(v2, v3), cd23 = QORV_MM(unpackhi_epi32)(v2, v3);
+    a = (U8)QORV_MM(unpacklo_epi64)(ab01, ab23);
+    b = (U8)QORV_MM(unpackhi_epi64)(ab01, ab23);
+    c = (U8)QORV_MM(unpacklo_epi64)(cd01, cd23);
+    d = (U8)QORV_MM(unpackhi_epi64)(cd01, cd23);
+}
+
+// Stores registers one after the other, all their first lanes before all their second ones. Whole registers are
+// stored: half as many stores wait for their cache lines.
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b) {
+#if QORV_VECTOR_BYTES == 32
+    store(p, _mm256_permute2x128_si256(a, b, 0x20));
+    store(p + 32, _mm256_permute2x128_si256(a, b, 0x31));
+#else
+    store(p, a);
+    store(p + 16, b);
+#endif
+}
+
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b, Register c) {
+#if QORV_VECTOR_BYTES == 32
+    store(p, _mm256_permute2x128_si256(a, b, 0x20));
+    store(p + 32, _mm256_blend_epi32(c, a, 0xF0));
+    store(p + 64, _mm256_permute2x128_si256(b, c, 0x31));
+#else
+    store(p, a);
+    store(p + 16, b);
+    store(p + 32, c);
+#endif
+}
+
+[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b, Register c, Register d) {
+#if QORV_VECTOR_BYTES == 32
+    store(p, _mm256_permute2x128_si256(a, b, 0x20));
+    store(p + 32, _mm256_permute2x128_si256(c, d, 0x20));
+    store(p + 64, _mm256_permute2x128_si256(a, b, 0x31));
+    store(p + 96, _mm256_permute2x128_si256(c, d, 0x31));
+#else
+    store_lanes(p, a, b);
+    store_lanes(p + 32, c, d);
+#endif
+}
+
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
+    store_lanes(p, QORV_MM(unpacklo_epi8)((Register)a, (Register)b), QORV_MM(unpackhi_epi8)((Register)a, (Register)b));
+}
+
+[[gnu::always_inline]] inline void store_interleaved3(uint8_t *p, U8 a, U8 b, U8 c) {
+    // Pairs of a and b first. A register of the output, bytes 16 Index and on, draws on 11 bytes of pairs and on c.
+    const Register pairs_lo = QORV_MM(unpacklo_epi8)((Register)a, (Register)b);
+    const Register pairs_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
+    const Register pairs_mid = QORV_MM(alignr_epi8)(pairs_hi, pairs_lo, 8);
+    const auto part = [&](Register pairs, int first_pair_byte, int index) __attribute__((always_inline)) {
+        const auto from_pairs = [=](int i) {
+            const int pixel = (16 * index + i) / 3, channel = (16 * index + i) % 3;
+            return channel < 2 ? 2 * pixel + channel - first_pair_byte : -1;
+        };
+        const auto from_c = [=](int i) { return (16 * index + i) % 3 == 2 ? (16 * index + i) / 3 : -1; };
+        return (Register)((U8)QORV_MM(shuffle_epi8)(pairs, shuffle_indices(from_pairs)) |
+                          (U8)QORV_MM(shuffle_epi8)((Register)c, shuffle_indices(from_c)));
+    };
+    store_lanes(p, part(pairs_lo, 0, 0), part(pairs_mid, 8, 1), part(pairs_hi, 16, 2));
+}
+
+[[gnu::always_inline]] inline void store_interleaved4(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
+    const Register ab_lo = QORV_MM(unpacklo_epi8)((Register)a, (Register)b);
+    const Register ab_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
+    const Register cd_lo = QORV_MM(unpacklo_epi8)((Register)c, (Register)d);
+    const Register cd_hi = QORV_MM(unpackhi_epi8)((Register)c, (Register)d);
+    store_lanes(p, QORV_MM(unpacklo_epi16)(ab_lo, cd_lo), QORV_MM(unpackhi_epi16)(ab_lo, cd_lo),
+                QORV_MM(unpacklo_epi16)(ab_hi, cd_hi), QORV_MM(unpackhi_epi16)(ab_hi, cd_hi));
+}
+
+[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
+    store_lanes(p, QORV_MM(unpacklo_epi16)((Register)a, (Register)b),
+                QORV_MM(unpackhi_epi16)((Register)a, (Register)b));
+}
+
+template <int Bytes>
+requires(Bytes == 16) [[gnu::always_inline]] inline Vec<int16_t, 16> load_widened(const uint8_t *p) {
+    return (Vec<int16_t, 16>)_mm_cvtepu8_epi16(_mm_loadl_epi64((const __m128i *)p));
+}
+
+#if QORV_VECTOR_BYTES == 32
+
+template <int Bytes>
+requires(Bytes == 32) [[gnu::always_inline]] inline Vec<int16_t, 32> load_widened(const uint8_t *p) {
+    return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)load<Vec<uint8_t, 16>>(p));
+}
+
+#endif
+
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[0]));
+#if QORV_VECTOR_BYTES == 32
+    const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[1]));
+    return (U8)_mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
+#else
+    return (U8)first;
+#endif
+}
+
+// ---- Arithmetic ----
 
 template <int A, int B>
 [[gnu::always_inline]] inline Wide weighted(U8 a, U8 b) {
@@ -50,6 +217,119 @@ template <int A, int B, int C>
     }
 }
 
+template <int A, int B>
+[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
+    const Register weights = QORV_MM(set1_epi32)(B * 65536 + (A & 0xFFFF));
+    return {(I32)QORV_MM(madd_epi16)(QORV_MM(unpacklo_epi16)((Register)a, (Register)b), weights),
+            (I32)QORV_MM(madd_epi16)(QORV_MM(unpackhi_epi16)((Register)a, (Register)b), weights)};
+}
+
+[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
+    return (U8)QORV_MM(adds_epu8)((Register)a, (Register)b);
+}
+
+[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
+    return (U8)QORV_MM(subs_epu8)((Register)a, (Register)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_adds_epu16((__m128i)a, (__m128i)b);
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<int16_t, 16>)_mm_subs_epi16((__m128i)a, (__m128i)b);
+}
+
+[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
+    return (U16)QORV_MM(min_epu16)((Register)a, (Register)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> max_lanes(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_max_epu16((__m128i)a, (__m128i)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_abs_epi16(_mm_subs_epi16((__m128i)a, (__m128i)b));
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
+    return (Vec<uint16_t, 16>)_mm_abs_epi16((__m128i)a);
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
+    return (Vec<uint32_t, 16>)_mm_abs_epi32((__m128i)a);
+}
+
+#if QORV_VECTOR_BYTES == 32
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> add_saturated(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
+    return (Vec<uint16_t, 32>)_mm256_adds_epu16((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> max_lanes(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
+    return (Vec<uint16_t, 32>)_mm256_max_epu16((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_difference(Vec<int16_t, 32> a, Vec<int16_t, 32> b) {
+    return (Vec<uint16_t, 32>)_mm256_abs_epi16(_mm256_subs_epi16((__m256i)a, (__m256i)b));
+}
+
+[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_lanes(Vec<int16_t, 32> a) {
+    return (Vec<uint16_t, 32>)_mm256_abs_epi16((__m256i)a);
+}
+
+#endif
+
+[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
+    return (U16)QORV_MM(maddubs_epi16)((Register)v, (Register)weights);
+}
+
+// The multiply-add of bytes gives them for nothing, from bytes that stand twice in a vector.
+constexpr bool kHasSumsAndDifferences = true;
+
+// Rows of `Width` bytes, two if they are half a vector: the sums are in the lower half of the lanes and the differences
+// in the upper one, or, with 4 bytes, both in each half.
+template <int Width, int Bytes>
+requires(Width == 4)
+    [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *next) {
+    static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, -1, 1, -1, 1, 1, 1, 1, 1, -1, 1, -1};
+    __m128i first = _mm_cvtsi32_si128(load<int32_t>(row)), second = _mm_cvtsi32_si128(load<int32_t>(next));
+    // The compiler would make several insertions of the one shuffle.
+    hide_origin(first);
+    hide_origin(second);
+    const __m128 rows = _mm_shuffle_ps((__m128)first, (__m128)second, 0);
+    return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
+}
+
+template <int Width, int Bytes>
+requires(Width == 8 && Bytes == 16)
+    [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *) {
+    static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, 1, 1, 1, 1, -1, 1, -1, 1, -1, 1, -1};
+    const __m128d twice = _mm_movedup_pd((__m128d)_mm_loadl_epi64((const __m128i *)row));
+    return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)twice, (__m128i)constant(kSigns));
+}
+
+#if QORV_VECTOR_BYTES == 32
+
+template <int Width, int Bytes>
+requires(Bytes == 32)
+    [[gnu::always_inline]] inline Vec<int16_t, 32> sums_and_differences(const uint8_t *row, const uint8_t *next) {
+    static constexpr Vec<int8_t, 32> kSigns = {1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,
+                                               1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1};
+    __m256i twice;
+    if constexpr (Width == 16) {
+        twice = every_lane((__m128i)load<Vec<uint8_t, 16>>(row));
+    } else {
+        twice =
+            _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(row)), _mm256_set1_epi64x(load<int64_t>(next)), 0xCC);
+    }
+    return (Vec<int16_t, 32>)_mm256_maddubs_epi16(twice, (__m256i)constant(kSigns));
+}
+
+#endif
+
+// ---- Widen and narrow ----
+
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
     return (U8)QORV_MM(packus_epi16)((Register)(w.lo >> 8), (Register)(w.hi >> 8));
 }
@@ -64,7 +344,7 @@ template <int C>
     const Register factor = QORV_MM(set1_epi16)(C);
     Register lows = QORV_MM(set1_epi8)(static_cast<char>(low));
     // clang would merge a constant into shuffles of its own, one more for each half.
-    if (low != 0) __asm__("" : "+x"(lows));
+    if (low != 0) hide_origin(lows);
     return (U8)QORV_MM(packus_epi16)(QORV_MM(mulhi_epu16)(QORV_MM(unpacklo_epi8)(lows, (Register)v), factor),
                                      QORV_MM(mulhi_epu16)(QORV_MM(unpackhi_epi8)(lows, (Register)v), factor));
 }
@@ -88,189 +368,80 @@ template <int C>
                                     QORV_MM(mulhrs_epi16)((Register)w.hi, scale));
 }
 
+[[gnu::always_inline]] inline U16 narrow(Wide32 a) {
+    return (U16)QORV_MM(packus_epi32)((Register)a.lo, (Register)a.hi);
+}
+
 [[gnu::always_inline]] inline U8 low_bytes(U16 a, U16 b) {
     const Register packed = QORV_MM(packus_epi16)((Register)(a & 0xFF), (Register)(b & 0xFF));
-#if defined(QORV_ISA_IS_v3)
+#if QORV_VECTOR_BYTES == 32
     return (U8)_mm256_permute4x64_epi64(packed, 0xD8);  // the two lanes of a, then those of b
 #else
     return (U8)packed;
 #endif
 }
 
-[[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
-    return (U8)QORV_MM(adds_epu8)((Register)a, (Register)b);
+[[gnu::always_inline]] inline Vec<uint16_t, 16> join(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
+    return (Vec<uint16_t, 16>)_mm_packus_epi32((__m128i)a, (__m128i)b);
 }
 
-[[gnu::always_inline]] inline U8 subtract_saturated(U8 a, U8 b) {
-    return (U8)QORV_MM(subs_epu8)((Register)a, (Register)b);
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
+    return (U8)QORV_MM(packus_epi16)((Register)(a >> N), (Register)(b >> N));
 }
 
-template <int A, int B>
-[[gnu::always_inline]] inline Wide32 weighted(I16 a, I16 b) {
-    const Register weights = QORV_MM(set1_epi32)(B * 65536 + (A & 0xFFFF));
-    return {(I32)QORV_MM(madd_epi16)(QORV_MM(unpacklo_epi16)((Register)a, (Register)b), weights),
-            (I32)QORV_MM(madd_epi16)(QORV_MM(unpackhi_epi16)((Register)a, (Register)b), weights)};
+[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
+    return (Vec<int16_t, 16>)_mm_cvtepu8_epi16((__m128i)a);
 }
 
-[[gnu::always_inline]] inline U16 narrow(Wide32 a) {
-    return (U16)QORV_MM(packus_epi32)((Register)a.lo, (Register)a.hi);
+// ---- Shuffle ----
+
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
+    return (U8)QORV_MM(shuffle_epi8)((Register)v, (Register)indices);
 }
 
-[[gnu::always_inline]] inline U16 min(U16 a, U16 b) {
-    return (U16)QORV_MM(min_epu16)((Register)a, (Register)b);
+// An index with its highest bit set selects 0.
+[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
+    return shuffle(v, (U8)QORV_MM(adds_epu8)((Register)indices, QORV_MM(set1_epi8)(0x70))) | shuffle(w, indices - 16);
 }
 
-// The `index`-th 16 bytes of `Channels` interleaved channels, and in the second lane those of the next 16 pixels.
-template <int Channels>
-[[gnu::always_inline]] inline Register load_lanes(const uint8_t *p, int index) {
-    const __m128i *q = reinterpret_cast<const __m128i *>(p) + index;
-#if defined(QORV_ISA_IS_v3)
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(q)), _mm_loadu_si128(q + Channels), 1);
-#else
-    return _mm_loadu_si128(q);
+[[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
+    return (Vec<uint8_t, 16>)(a | (b << 8));
+}
+
+template <int Bytes, class V>
+requires(sizeof(V) == 16) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
+    static_assert(Bytes == 4 || Bytes == 8);
+    const __m128i x = (__m128i)a, y = (__m128i)b;
+    a = Bytes == 4 ? (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0x88) : (V)_mm_unpacklo_epi64(x, y);
+    b = Bytes == 4 ? (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0xDD) : (V)_mm_unpackhi_epi64(x, y);
+}
+
+#if QORV_VECTOR_BYTES == 32
+
+template <int Bytes, class V>
+requires(sizeof(V) == 32) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
+    static_assert(Bytes == 4 || Bytes == 8);
+    const __m256i x = (__m256i)a, y = (__m256i)b;
+    a = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0x88) : (V)_mm256_unpacklo_epi64(x, y);
+    b = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0xDD) : (V)_mm256_unpackhi_epi64(x, y);
+}
+
+[[gnu::always_inline]] inline Vec<uint8_t, 32> concatenate(Vec<uint8_t, 16> lo, Vec<uint8_t, 16> hi) {
+    return (Vec<uint8_t, 32>)_mm256_setr_m128i((__m128i)lo, (__m128i)hi);
+}
+
 #endif
-}
 
-[[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
-    const U16 v0 = (U16)load_lanes<2>(p, 0), v1 = (U16)load_lanes<2>(p, 1);
-    a = (U8)QORV_MM(packus_epi16)((Register)(v0 & 0xFF), (Register)(v1 & 0xFF));
-    b = (U8)QORV_MM(packus_epi16)((Register)(v0 >> 8), (Register)(v1 >> 8));
-}
-
-// Stores registers one after the other, all their first lanes before all their second ones. Whole registers are
-// stored: half as many stores wait for their cache lines.
-[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b) {
-#if defined(QORV_ISA_IS_v3)
-    store(p, _mm256_permute2x128_si256(a, b, 0x20));
-    store(p + 32, _mm256_permute2x128_si256(a, b, 0x31));
-#else
-    store(p, a);
-    store(p + 16, b);
-#endif
-}
-
-[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b, Register c) {
-#if defined(QORV_ISA_IS_v3)
-    store(p, _mm256_permute2x128_si256(a, b, 0x20));
-    store(p + 32, _mm256_blend_epi32(c, a, 0xF0));
-    store(p + 64, _mm256_permute2x128_si256(b, c, 0x31));
-#else
-    store(p, a);
-    store(p + 16, b);
-    store(p + 32, c);
-#endif
-}
-
-[[gnu::always_inline]] inline void store_lanes(uint8_t *p, Register a, Register b, Register c, Register d) {
-#if defined(QORV_ISA_IS_v3)
-    store(p, _mm256_permute2x128_si256(a, b, 0x20));
-    store(p + 32, _mm256_permute2x128_si256(c, d, 0x20));
-    store(p + 64, _mm256_permute2x128_si256(a, b, 0x31));
-    store(p + 96, _mm256_permute2x128_si256(c, d, 0x31));
-#else
-    store_lanes(p, a, b);
-    store_lanes(p + 32, c, d);
-#endif
-}
-
-[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U8 a, U8 b) {
-    store_lanes(p, QORV_MM(unpacklo_epi8)((Register)a, (Register)b), QORV_MM(unpackhi_epi8)((Register)a, (Register)b));
-}
-
-// 16 bytes that a shuffle takes from places f(0), f(1), ...: negative gives 0.
-template <class F>
-[[gnu::always_inline]] inline Register shuffle_indices(F f) {
-    return every_lane(_mm_setr_epi8(
-        static_cast<char>(f(0)), static_cast<char>(f(1)), static_cast<char>(f(2)), static_cast<char>(f(3)),
-        static_cast<char>(f(4)), static_cast<char>(f(5)), static_cast<char>(f(6)), static_cast<char>(f(7)),
-        static_cast<char>(f(8)), static_cast<char>(f(9)), static_cast<char>(f(10)), static_cast<char>(f(11)),
-        static_cast<char>(f(12)), static_cast<char>(f(13)), static_cast<char>(f(14)), static_cast<char>(f(15))));
-}
-
-// One of three interleaved channels: the union of a shuffle of each register.
-template <int Channel>
-[[gnu::always_inline]] inline U8 gather3(Register v0, Register v1, Register v2) {
-    const auto from = [](int index) {
-        return [index](int i) { return (3 * i + Channel) / 16 == index ? (3 * i + Channel) % 16 : -1; };
-    };
-    const Register s0 = QORV_MM(shuffle_epi8)(v0, shuffle_indices(from(0)));
-    const Register s1 = QORV_MM(shuffle_epi8)(v1, shuffle_indices(from(1)));
-    const Register s2 = QORV_MM(shuffle_epi8)(v2, shuffle_indices(from(2)));
-    return (U8)s0 | (U8)s1 | (U8)s2;
-}
-
-[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
-    const Register v0 = load_lanes<3>(p, 0), v1 = load_lanes<3>(p, 1), v2 = load_lanes<3>(p, 2);
-    a = gather3<0>(v0, v1, v2);
-    b = gather3<1>(v0, v1, v2);
-    c = gather3<2>(v0, v1, v2);
-}
-
-[[gnu::always_inline]] inline void store_interleaved3(uint8_t *p, U8 a, U8 b, U8 c) {
-    // Pairs of a and b first. A register of the output, bytes 16 Index and on, draws on 11 bytes of pairs and on c.
-    const Register pairs_lo = QORV_MM(unpacklo_epi8)((Register)a, (Register)b);
-    const Register pairs_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
-    const Register pairs_mid = QORV_MM(alignr_epi8)(pairs_hi, pairs_lo, 8);
-    const auto part = [&](Register pairs, int first_pair_byte, int index) __attribute__((always_inline)) {
-        const auto from_pairs = [=](int i) {
-            const int pixel = (16 * index + i) / 3, channel = (16 * index + i) % 3;
-            return channel < 2 ? 2 * pixel + channel - first_pair_byte : -1;
-        };
-        const auto from_c = [=](int i) { return (16 * index + i) % 3 == 2 ? (16 * index + i) / 3 : -1; };
-        return (Register)((U8)QORV_MM(shuffle_epi8)(pairs, shuffle_indices(from_pairs)) |
-                          (U8)QORV_MM(shuffle_epi8)((Register)c, shuffle_indices(from_c)));
-    };
-    store_lanes(p, part(pairs_lo, 0, 0), part(pairs_mid, 8, 1), part(pairs_hi, 16, 2));
-}
-
-// Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix
-// of those lanes is transposed.
-[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
-    const Register gather = every_lane(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
-    const Register v0 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 0), gather);
-    const Register v1 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 1), gather);
-    const Register v2 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 2), gather);
-    const Register v3 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 3), gather);
-    const Register ab01 = QORV_MM(unpacklo_epi32)(v0, v1), cd01 = QORV_MM(unpackhi_epi32)(v0, v1);
-    const Register ab23 = QORV_MM(unpacklo_epi32)(v2, v3), cd23 = QORV_MM(unpackhi_epi32)(v2, v3);
-    a = (U8)QORV_MM(unpacklo_epi64)(ab01, ab23);
-    b = (U8)QORV_MM(unpackhi_epi64)(ab01, ab23);
-    c = (U8)QORV_MM(unpacklo_epi64)(cd01, cd23);
-    d = (U8)QORV_MM(unpackhi_epi64)(cd01, cd23);
-}
-
-[[gnu::always_inline]] inline void store_interleaved4(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
-    const Register ab_lo = QORV_MM(unpacklo_epi8)((Register)a, (Register)b);
-    const Register ab_hi = QORV_MM(unpackhi_epi8)((Register)a, (Register)b);
-    const Register cd_lo = QORV_MM(unpacklo_epi8)((Register)c, (Register)d);
-    const Register cd_hi = QORV_MM(unpackhi_epi8)((Register)c, (Register)d);
-    store_lanes(p, QORV_MM(unpacklo_epi16)(ab_lo, cd_lo), QORV_MM(unpackhi_epi16)(ab_lo, cd_lo),
-                QORV_MM(unpacklo_epi16)(ab_hi, cd_hi), QORV_MM(unpackhi_epi16)(ab_hi, cd_hi));
-}
-
-// ---- End of colour conversion ----
-
-// ---- Block metrics ----
-
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2;
+// ---- Reduce ----
 
 template <int Bytes>
 using ByteDistances = Vec<int64_t, Bytes>;
 constexpr int kMaxByteDistances = 1 << 20;
 
-// A constant that is loaded, once; the compiler would put it together in a general register, or load it at every use.
-template <class V>
-[[gnu::always_inline]] inline V constant(const V &in_memory) {
-    const V *p = &in_memory;
-    asm("" : "+r"(p));
-    V v = *p;
-    asm("" : "+x"(v));
-    return v;
-}
-
 [[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     sum += (Vec<int64_t, 16>)_mm_sad_epu8((__m128i)a, (__m128i)b);
-    asm("" : "+x"(sum));  // in this order: no tree of many sums, not all rows of A loaded ahead
+    hide_origin(sum);  // in this order: no tree of many sums, not all rows of A loaded ahead
 }
 
 // a and b side by side, times 1 and -1, give a - b in 16 bits.
@@ -280,26 +451,6 @@ template <class V>
     const __m128i hi = _mm_maddubs_epi16(_mm_unpackhi_epi8((__m128i)a, (__m128i)b), signs);
     sum += (Vec<uint32_t, 16>)_mm_madd_epi16(lo, lo);
     sum += (Vec<uint32_t, 16>)_mm_madd_epi16(hi, hi);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
-    return (Vec<uint16_t, 16>)_mm_abs_epi16(_mm_subs_epi16((__m128i)a, (__m128i)b));
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> abs_lanes(Vec<int16_t, 16> a) {
-    return (Vec<uint16_t, 16>)_mm_abs_epi16((__m128i)a);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> max_lanes(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
-    return (Vec<uint16_t, 16>)_mm_max_epu16((__m128i)a, (__m128i)b);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> add_saturated(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
-    return (Vec<uint16_t, 16>)_mm_adds_epu16((__m128i)a, (__m128i)b);
-}
-
-[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_saturated(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
-    return (Vec<int16_t, 16>)_mm_subs_epi16((__m128i)a, (__m128i)b);
 }
 
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
@@ -317,34 +468,13 @@ template <class V>
     return (Vec<uint16_t, 16>)_mm_max_epu16(even, odd);
 }
 
-[[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
-    return (static_cast<uint32_t>(_mm_movemask_epi8((__m128i)a)) & 0xAAAAAAAA) != 0;
-}
-
-[[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
-    return (Vec<uint32_t, 16>)_mm_abs_epi32((__m128i)a);
-}
-
 [[gnu::always_inline]] inline Vec<uint32_t, 16> max_of_pairs(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
     return (Vec<uint32_t, 16>)_mm_max_epu32((__m128i)_mm_shuffle_ps((__m128)a, (__m128)b, 0x88),
                                             (__m128i)_mm_shuffle_ps((__m128)a, (__m128)b, 0xDD));
 }
 
-template <int Bytes>
-requires(Bytes == 16) [[gnu::always_inline]] inline Vec<int16_t, 16> load_widened(const uint8_t *p) {
-    return (Vec<int16_t, 16>)_mm_cvtepu8_epi16(_mm_loadl_epi64((const __m128i *)p));
-}
-
-[[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {
-    return (Vec<int16_t, 16>)_mm_cvtepu8_epi16((__m128i)a);
-}
-
-template <int Bytes, class V>
-requires(sizeof(V) == 16) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
-    static_assert(Bytes == 4 || Bytes == 8);
-    const __m128i x = (__m128i)a, y = (__m128i)b;
-    a = Bytes == 4 ? (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0x88) : (V)_mm_unpacklo_epi64(x, y);
-    b = Bytes == 4 ? (V)_mm_shuffle_ps((__m128)x, (__m128)y, 0xDD) : (V)_mm_unpackhi_epi64(x, y);
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
+    return (static_cast<uint32_t>(_mm_movemask_epi8((__m128i)a)) & 0xAAAAAAAA) != 0;
 }
 
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<int64_t, 16> a) {
@@ -357,35 +487,11 @@ requires(sizeof(V) == 16) [[gnu::always_inline]] inline void exchange(V &a, V &b
     return sum_lanes((Vec<int64_t, 16>)_mm_add_epi32((__m128i)a, odd));
 }
 
-// The first stage of a horizontal Hadamard transform comes free with the multiply-add of bytes: the sums of neighbours
-// and their differences, from bytes that stand twice in a vector.
-constexpr bool kHasSumsAndDifferences = true;
-
-// Rows of `Width` bytes, two if they are half a vector: the sums are in the lower half of the lanes and the differences
-// in the upper one, or, with 4 bytes, both in each half.
-template <int Width, int Bytes>
-requires(Width == 4)
-    [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *next) {
-    static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, -1, 1, -1, 1, 1, 1, 1, 1, -1, 1, -1};
-    __m128i first = _mm_cvtsi32_si128(load<int32_t>(row)), second = _mm_cvtsi32_si128(load<int32_t>(next));
-    asm("" : "+x"(first), "+x"(second));  // or the compiler makes several insertions of this one shuffle
-    const __m128 rows = _mm_shuffle_ps((__m128)first, (__m128)second, 0);
-    return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
-}
-
-template <int Width, int Bytes>
-requires(Width == 8 && Bytes == 16)
-    [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *) {
-    static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, 1, 1, 1, 1, -1, 1, -1, 1, -1, 1, -1};
-    const __m128d twice = _mm_movedup_pd((__m128d)_mm_loadl_epi64((const __m128i *)row));
-    return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)twice, (__m128i)constant(kSigns));
-}
-
-#if defined(QORV_ISA_IS_v3)
+#if QORV_VECTOR_BYTES == 32
 
 [[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
     sum += (Vec<int64_t, 32>)_mm256_sad_epu8((__m256i)a, (__m256i)b);
-    asm("" : "+x"(sum));
+    hide_origin(sum);
 }
 
 [[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 32> &sum, Vec<uint8_t, 32> a, Vec<uint8_t, 32> b) {
@@ -394,22 +500,6 @@ requires(Width == 8 && Bytes == 16)
     const __m256i hi = _mm256_maddubs_epi16(_mm256_unpackhi_epi8((__m256i)a, (__m256i)b), signs);
     sum += (Vec<uint32_t, 32>)_mm256_madd_epi16(lo, lo);
     sum += (Vec<uint32_t, 32>)_mm256_madd_epi16(hi, hi);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_difference(Vec<int16_t, 32> a, Vec<int16_t, 32> b) {
-    return (Vec<uint16_t, 32>)_mm256_abs_epi16(_mm256_subs_epi16((__m256i)a, (__m256i)b));
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 32> abs_lanes(Vec<int16_t, 32> a) {
-    return (Vec<uint16_t, 32>)_mm256_abs_epi16((__m256i)a);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 32> max_lanes(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
-    return (Vec<uint16_t, 32>)_mm256_max_epu16((__m256i)a, (__m256i)b);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 32> add_saturated(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
-    return (Vec<uint16_t, 32>)_mm256_adds_epu16((__m256i)a, (__m256i)b);
 }
 
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 32> &sum, Vec<uint16_t, 32> a) {
@@ -431,38 +521,6 @@ requires(Width == 8 && Bytes == 16)
     return (static_cast<uint32_t>(_mm256_movemask_epi8((__m256i)a)) & 0xAAAAAAAA) != 0;
 }
 
-template <int Bytes>
-requires(Bytes == 32) [[gnu::always_inline]] inline Vec<int16_t, 32> load_widened(const uint8_t *p) {
-    return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)load<Vec<uint8_t, 16>>(p));
-}
-
-template <int Bytes, class V>
-requires(sizeof(V) == 32) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
-    static_assert(Bytes == 4 || Bytes == 8);
-    const __m256i x = (__m256i)a, y = (__m256i)b;
-    a = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0x88) : (V)_mm256_unpacklo_epi64(x, y);
-    b = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0xDD) : (V)_mm256_unpackhi_epi64(x, y);
-}
-
-template <int Width, int Bytes>
-requires(Bytes == 32)
-    [[gnu::always_inline]] inline Vec<int16_t, 32> sums_and_differences(const uint8_t *row, const uint8_t *next) {
-    static constexpr Vec<int8_t, 32> kSigns = {1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,  1, 1,
-                                               1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1, 1, -1};
-    __m256i twice;
-    if constexpr (Width == 16) {
-        twice = every_lane((__m128i)load<Vec<uint8_t, 16>>(row));
-    } else {
-        twice =
-            _mm256_blend_epi32(_mm256_set1_epi64x(load<int64_t>(row)), _mm256_set1_epi64x(load<int64_t>(next)), 0xCC);
-    }
-    return (Vec<int16_t, 32>)_mm256_maddubs_epi16(twice, (__m256i)constant(kSigns));
-}
-
-[[gnu::always_inline]] inline Vec<uint8_t, 32> join(Vec<uint8_t, 16> lo, Vec<uint8_t, 16> hi) {
-    return (Vec<uint8_t, 32>)_mm256_setr_m128i((__m128i)lo, (__m128i)hi);
-}
-
 template <class V>
 [[gnu::always_inline]] inline V add_halves(__m256i a) {
     return (V)_mm_add_epi32(_mm256_castsi256_si128(a), _mm256_extracti128_si256(a, 1));
@@ -477,53 +535,6 @@ template <class V>
 }
 
 #endif
-
-// ---- End of block metrics ----
-
-// ---- Bilinear sampling ----
-
-[[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
-    store_lanes(p, QORV_MM(unpacklo_epi16)((Register)a, (Register)b),
-                QORV_MM(unpackhi_epi16)((Register)a, (Register)b));
-}
-
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
-    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[0]));
-#if defined(QORV_ISA_IS_v3)
-    const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[1]));
-    return (U8)_mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
-#else
-    return (U8)first;
-#endif
-}
-
-[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
-    return (U8)QORV_MM(shuffle_epi8)((Register)v, (Register)indices);
-}
-
-// An index with its highest bit set selects 0.
-[[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
-    return shuffle(v, (U8)QORV_MM(adds_epu8)((Register)indices, QORV_MM(set1_epi8)(0x70))) | shuffle(w, indices - 16);
-}
-
-[[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
-    return (Vec<uint8_t, 16>)(a | (b << 8));
-}
-
-[[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
-    return (U16)QORV_MM(maddubs_epi16)((Register)v, (Register)weights);
-}
-
-[[gnu::always_inline]] inline Vec<uint16_t, 16> join(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
-    return (Vec<uint16_t, 16>)_mm_packus_epi32((__m128i)a, (__m128i)b);
-}
-
-template <int N>
-[[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
-    return (U8)QORV_MM(packus_epi16)((Register)(a >> N), (Register)(b >> N));
-}
-
-// ---- End of bilinear sampling ----
 
 }  // namespace qorv::QORV_ISA
 

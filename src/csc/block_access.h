@@ -3,6 +3,7 @@
 
 #include "csc/colours.h"
 #include "csc/layouts.h"
+#include "resize/words_565.h"
 
 namespace qorv::QORV_ISA {
 

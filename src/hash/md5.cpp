@@ -1,6 +1,7 @@
 #include <string.h>
 
 #include "buffer/colour_space.h"
+#include "core/hide_origin.h"
 #include "qorv_skia.h"
 
 using namespace qorv;
@@ -38,20 +39,15 @@ constexpr uint32_t rotate_left(uint32_t value, int bits) {
     return value << bits | value >> (32 - bits);
 }
 
-// Keeps the compiler from moving the additions around: b is the value that the previous step has just made, and the
-// time of a block is the length of the chain through it.
-inline void pin(uint32_t &value) {
-    __asm__("" : "+r"(value));
-}
-
-// sum + f(b, c, d), f being the function of the round.
+// sum + f(b, c, d), f being the function of the round. b is the value that the previous step has just made, and the time
+// of a block is the length of the chain through it: additions that need not wait for b come first and stay there.
 template <int kRound>
 inline uint32_t add_mixed(uint32_t sum, uint32_t b, uint32_t c, uint32_t d) {
     if constexpr (kRound == 0) return sum + (d ^ (b & (c ^ d)));
     if constexpr (kRound == 1) {
-        // The terms share no bit, so they may be added one by one: first the one that need not wait for b.
+        // The terms share no bit, so they may be added one by one.
         sum += c & ~d;
-        pin(sum);
+        hide_origin(sum);
         return sum + (b & d);
     }
     if constexpr (kRound == 2) return sum + (b ^ (c ^ d));
@@ -63,7 +59,7 @@ inline void step(uint32_t &a, uint32_t b, uint32_t c, uint32_t d, const uint8_t 
     constexpr int kRound = kStep / 16;
     constexpr int kWord = (kWordFactor[kRound] * kStep + kWordStart[kRound]) % 16;
     uint32_t sum = a + kSine[kStep] + load_little_endian(block + 4 * kWord);
-    pin(sum);
+    hide_origin(sum);
     a = b + rotate_left(add_mixed<kRound>(sum, b, c, d), kRotation[kRound][kStep % 4]);
 }
 

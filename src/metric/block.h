@@ -2,6 +2,7 @@
 // side by side in one. Kernel sources alone include this header.
 #pragma once
 
+#include "core/hide_origin.h"
 #include "core/simd.h"
 
 namespace qorv::QORV_ISA {
@@ -28,6 +29,15 @@ constexpr int smaller(int a, int b) {
     return a < b ? a : b;
 }
 
+// Rows that addressing modes reach from one pointer, if a row is one vector, and if it is more.
+#if defined(QORV_SIMD_NEON)
+constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1;
+#elif defined(QORV_SIMD_X86)
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2;
+#else
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
+#endif
+
 // The rows of a block. Those at hand are reached from one pointer by what addressing modes there are.
 template <class T>
 class Rows {
@@ -38,7 +48,7 @@ public:
     // Hides where the pointer comes from; the compiler would keep an offset for every row of an unrolled loop.
     [[gnu::always_inline]] void skip(int rows) {
         first_ = at(rows);
-        asm("" : "+r"(first_));
+        hide_origin(first_);
     }
 
 private:
@@ -70,7 +80,7 @@ template <int Width, int Count, int Bytes, class T>
     } else if constexpr (Bytes == 32) {
         static_assert(Width == 16);
         using Half = Vec<uint8_t, Bytes / 2>;
-        return join(load<Half>(rows.at(y, x)), Count == 2 ? load<Half>(rows.at(y + 1, x)) : Half{});
+        return concatenate(load<Half>(rows.at(y, x)), Count == 2 ? load<Half>(rows.at(y + 1, x)) : Half{});
     } else if constexpr (Width == 8) {
         return load_column<uint64_t, Count>(rows, y, x);
     } else if constexpr (Width == 4) {
@@ -142,7 +152,7 @@ template <int Step, class Metric, class A, class B>
 }
 
 // The widest strip, and the most rows of a strip that a metric's lanes have to hold.
-#if defined(__OPTIMIZE_SIZE__)
+#ifdef QORV_SMALL_KERNELS
 constexpr bool kForSize = true;  // fixed sizes are areas like any other, in narrower strips
 constexpr int kMaxStrip = 16;
 #else
@@ -172,11 +182,11 @@ template <class F>
 [[gnu::always_inline]] inline bool for_common_square(int32_t w, int32_t h, F f) {
     if (w != h) return false;
     if (w == 8) return f(Constant<8>{}), true;
-    asm("" : "+r"(w));
+    hide_origin(w);
     if (w == 16) return f(Constant<16>{}), true;
-    asm("" : "+r"(w));
+    hide_origin(w);
     if (w == 4) return f(Constant<4>{}), true;
-    asm("" : "+r"(w));
+    hide_origin(w);
     if (w == 32) return f(Constant<32>{}), true;
     if (w == 64) return f(Constant<64>{}), true;
     return false;

@@ -2,6 +2,7 @@
 
 #include "core/isa.h"
 #include "resize/sampler.h"
+#include "resize/words_565.h"
 
 namespace qorv::QORV_ISA {
 

@@ -1,5 +1,7 @@
 #include "support/kernel_sets.h"
 
+#include "core/processor.h"
+
 namespace test {
 
 const std::vector<qorv::KernelSet> &runnable_kernel_sets() {
@@ -7,7 +9,7 @@ const std::vector<qorv::KernelSet> &runnable_kernel_sets() {
         std::vector<qorv::KernelSet> found{QORV_KERNEL_SET(plain)};
 #if defined(QORV_HAVE_v2)
         found.push_back(QORV_KERNEL_SET(v2));
-        if (__builtin_cpu_supports("x86-64-v3")) found.push_back(QORV_KERNEL_SET(v3));
+        if (qorv::has_x86_64_v3()) found.push_back(QORV_KERNEL_SET(v3));
 #elif defined(QORV_HAVE_neon)
         found.push_back(QORV_KERNEL_SET(neon));
 #endif
