@@ -134,7 +134,8 @@ template <int A, int B>
 // The larger of two unsigned lanes.
 template <class V>
 [[gnu::always_inline]] inline V max_lanes(V a, V b) {
-    return each_lane<V>([&](int i) { return a[i] > b[i] ? a[i] : b[i]; });
+    for (size_t i = 0; i < sizeof a / sizeof a[0]; i++) a[i] = a[i] > b[i] ? a[i] : b[i];
+    return a;
 }
 
 // |a - b| where it is below 32767; from there on some value of 32767 to 65535.
@@ -148,7 +149,8 @@ template <class V>
 }
 
 [[gnu::always_inline]] inline Vec<uint32_t, 16> abs_lanes(Vec<int32_t, 16> a) {
-    return each_lane<Vec<uint32_t, 16>>([&](int i) { return a[i] < 0 ? -static_cast<uint32_t>(a[i]) : a[i]; });
+    for (int i = 0; i < 4; i++) a[i] = a[i] < 0 ? static_cast<int32_t>(0 - static_cast<uint32_t>(a[i])) : a[i];
+    return (Vec<uint32_t, 16>)a;
 }
 
 // Whether there is sums_and_differences<Width, Bytes>(row, next), a vector of `Bytes` bytes loaded as the first stage of
@@ -275,12 +277,13 @@ constexpr int kMaxByteDistances = 1 << 20;
 // The larger one of each pair of neighbouring unsigned lanes of both vectors, in any order.
 template <class V>
 [[gnu::always_inline]] inline V max_of_pairs(V a, V b) {
+    V even = {}, odd = {};
     constexpr int kHalf = sizeof a / sizeof a[0] / 2;
-    return each_lane<V>([&](int i) {
-        const V &from = i < kHalf ? a : b;
-        const int pair = i % kHalf;
-        return from[2 * pair] > from[2 * pair + 1] ? from[2 * pair] : from[2 * pair + 1];
-    });
+    for (int i = 0; i < kHalf; i++) {
+        even[i] = a[2 * i], odd[i] = a[2 * i + 1];
+        even[kHalf + i] = b[2 * i], odd[kHalf + i] = b[2 * i + 1];
+    }
+    return max_lanes(even, odd);
 }
 
 // Whether it is in any 16-bit lane.

@@ -294,9 +294,7 @@ requires(Width == 4)
     [[gnu::always_inline]] inline Vec<int16_t, 16> sums_and_differences(const uint8_t *row, const uint8_t *next) {
     static constexpr Vec<int8_t, 16> kSigns = {1, 1, 1, 1, 1, -1, 1, -1, 1, 1, 1, 1, 1, -1, 1, -1};
     __m128i first = _mm_cvtsi32_si128(load<int32_t>(row)), second = _mm_cvtsi32_si128(load<int32_t>(next));
-    // The compiler would make several insertions of the one shuffle.
-    hide_origin(first);
-    hide_origin(second);
+    hide_origin(second);  // or the compiler makes several insertions of this one shuffle
     const __m128 rows = _mm_shuffle_ps((__m128)first, (__m128)second, 0);
     return (Vec<int16_t, 16>)_mm_maddubs_epi16((__m128i)rows, (__m128i)constant(kSigns));
 }
