@@ -1392,7 +1392,11 @@ QORV_API void qorv_csc_rsz_yuv444a8_to_rgb565a8(const void *const *src, int32_t 
  *  the weights of entry fx * 8 + fy of #qorv_irsz_tbl_rsz_weight. A neighbour of weight 0 is not read where it need not
  *  exist: a source may be one pixel wide or high.
  *
- *  Sides up to 32768 samples are right. Source and destination must not overlap, nor a destination's rows each other.
+ *  Sides up to 32768 samples are right; positions are 64 bits wide, as from 8193 samples on they must be.
+ *
+ *  Source and destination may overlap: pixels are then read and written one by one, rows from the top, each from the
+ *  left. So a picture may be made smaller in its own memory. That takes ten times as long, more or less.
+ *
  *  The kernels take no memory from the heap and at most 32 KiB of stack.
  *
  *  | format | pixels                                   | pitches of the record and of _full |

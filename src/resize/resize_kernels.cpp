@@ -98,11 +98,11 @@ void sample_planes(const PlanesJob &job) {
 }  // namespace
 
 constinit const ResizeKernels resize_kernels = {
-    .gray = resize<Bytes<1>, 1, StoreBytes<1>>,
-    .rgb = resize<Bytes<3>, 3, StoreBytes<3>>,
-    .rgb_to_565 = resize<Bytes<3>, 4, Store565>,
-    .rgb565 = resize<Words565, 4, Store565>,
-    .rgba = resize<Bytes<4>, 4, StoreBytes<4>>,
+    .pictures = {.gray = resize<Bytes<1>, 1, StoreBytes<1>>,
+                 .rgb = resize<Bytes<3>, 3, StoreBytes<3>>,
+                 .rgb_to_565 = resize<Bytes<3>, 4, Store565>,
+                 .rgb565 = resize<Words565, 4, Store565>,
+                 .rgba = resize<Bytes<4>, 4, StoreBytes<4>>},
     .planes = sample_planes,
 };
 

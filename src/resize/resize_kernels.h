@@ -15,6 +15,8 @@ struct SourceRows {
     int64_t first;
     int64_t held;  // -1: none
     const uint8_t *held_row;
+
+    const uint8_t *row(int64_t number) const { return number == held ? held_row : base + (number - first) * stride; }
 };
 
 // Where the samples of a destination lie on its source: column x at x times the step of its axis, rows alike.
@@ -42,7 +44,7 @@ struct Part {
     return last + (grid.x.step != 0 ? grid.neighbour : 0) + 1;
 }
 
-// Any overlap of source and destination is excluded.
+// For kernels, the destination's rows overlap neither the source nor each other.
 struct ResizeJob {
     Grid grid;
     Part part;
@@ -66,8 +68,12 @@ struct PlanesJob {
     void *context;
 };
 
-struct ResizeKernels {
+struct PictureKernels {
     ResizeKernel gray, rgb, rgb_to_565, rgb565, rgba;
+};
+
+struct ResizeKernels {
+    PictureKernels pictures;
     void (*planes)(const PlanesJob &job);
 };
 

@@ -5,6 +5,7 @@
 #include "core/isa.h"
 #include "qorv_skia.h"
 #include "resize/axis.h"
+#include "resize/in_order.h"
 #include "resize/resize_kernels.h"
 
 using namespace qorv;
@@ -16,17 +17,17 @@ constexpr int32_t kBandMode = 11;
 
 struct Format {
     int32_t code;
-    ResizeKernel ResizeKernels::*kernel;
+    ResizeKernel PictureKernels::*kernel;
     int32_t (*record_kernel)(QORV_IRSZ *, const uint8_t *, uint32_t, uint32_t);
     int32_t src_bytes, dst_bytes;  // of a pixel
     int32_t pitch_unit;            // bytes that 1 in the record's pitches stands for
 };
 
-constexpr Format kGray = {20, &ResizeKernels::gray, qorv_irsz8b, 1, 1, 1};
-constexpr Format kRgb = {21, &ResizeKernels::rgb, qorv_irsz8b8b8b, 3, 3, 1};
-constexpr Format kRgbTo565 = {23, &ResizeKernels::rgb_to_565, qorv_irsz8b8b8b_5b6b5b, 3, 2, 1};
-constexpr Format k565 = {25, &ResizeKernels::rgb565, qorv_irsz5b6b5b, 2, 2, 2};
-constexpr Format kRgba = {29, &ResizeKernels::rgba, qorv_irsz8b8b8b8b, 4, 4, 1};
+constexpr Format kGray = {20, &PictureKernels::gray, qorv_irsz8b, 1, 1, 1};
+constexpr Format kRgb = {21, &PictureKernels::rgb, qorv_irsz8b8b8b, 3, 3, 1};
+constexpr Format kRgbTo565 = {23, &PictureKernels::rgb_to_565, qorv_irsz8b8b8b_5b6b5b, 3, 2, 1};
+constexpr Format k565 = {25, &PictureKernels::rgb565, qorv_irsz5b6b5b, 2, 2, 2};
+constexpr Format kRgba = {29, &PictureKernels::rgba, qorv_irsz8b8b8b8b, 4, 4, 1};
 
 const Format *find_format(int32_t code) {
     static constexpr const Format *kFormats[] = {&kGray, &kRgb, &kRgbTo565, &k565, &kRgba};
@@ -37,7 +38,9 @@ const Format *find_format(int32_t code) {
 }
 
 void run(const Format &format, const ResizeJob &job) {
-    if (job.part.w > 0 && job.part.h > 0) (active.resize->*format.kernel)(job);
+    if (job.part.w < 1 || job.part.h < 1) return;
+    const bool free = order_is_free(job, format.src_bytes, format.dst_bytes);
+    ((free ? active.resize->pictures : in_order).*format.kernel)(job);
 }
 
 // What a record's picture or band has in common, for `rows` rows of the destination from `first` on: all but the source.

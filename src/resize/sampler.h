@@ -301,23 +301,19 @@ private:
     static constexpr int kLanes = kVectorBytes / 16;
     static constexpr int kBufferBytes = (kMaxPixels + kVectorBytes) * Pixel::kSampled;
 
-    const uint8_t *row_start(int64_t row) const {
-        return row == rows_.held ? rows_.held_row : rows_.base + (row - rows_.first) * rows_.stride;
-    }
-
     // What the windows of the strip count from in a row.
     const uint8_t *bytes(int64_t row) {
-        if (strip_.fetch == Fetch::kDirect) return row_start(row) + strip_.origin;
+        if (strip_.fetch == Fetch::kDirect) return rows_.row(row) + strip_.origin;
         bool present;
         uint8_t *buffer = collected_.place(row, present);
         if (!present) {
             if constexpr (Pixel::kMemory == Pixel::kSampled) {
-                collect<Pixel::kMemory>(strip_, row_start(row), buffer);
+                collect<Pixel::kMemory>(strip_, rows_.row(row), buffer);
             } else {
                 uint8_t collected[kBufferBytes / 2];
-                const uint8_t *words = row_start(row) + 2 * strip_.first_pixel;
+                const uint8_t *words = rows_.row(row) + 2 * strip_.first_pixel;
                 if (strip_.fetch != Fetch::kCompact || strip_.shift != 0) {
-                    collect<2>(strip_, row_start(row), collected);
+                    collect<2>(strip_, rows_.row(row), collected);
                     words = collected;
                 }
                 widen_565(words, strip_.pixels, buffer);

@@ -45,10 +45,11 @@ int source_channel(const Format &format, const uint8_t *pixel, int channel) {
     return channel == 0 ? (word >> 8) & 0xF8 : channel == 1 ? (word >> 3) & 0xFC : (word & 31) * 8;
 }
 
-std::vector<uint8_t> reference(const Format &format, const Sizes &size, const uint8_t *src, size_t src_row,
-                               const BilinearAxis &x, const BilinearAxis &y) {
-    std::vector<uint8_t> out;
+// Row by row, pixel by pixel: the destination may lie in the source.
+void resize_in_order(const Format &format, const Sizes &size, const uint8_t *src, size_t src_row, const BilinearAxis &x,
+                     const BilinearAxis &y, uint8_t *dst, size_t dst_row) {
     for (int j = 0; j < size.dh; j++) {
+        uint8_t *out = dst + static_cast<size_t>(j) * dst_row;
         for (int i = 0; i < size.dw; i++) {
             int sum[4] = {};
             for (int c = 0; c < (format.code == 25 ? 3 : format.src_bytes); c++) {
@@ -60,13 +61,20 @@ std::vector<uint8_t> reference(const Format &format, const Sizes &size, const ui
             }
             if (format.dst_bytes == 2) {
                 const int word = (sum[0] * 4 & 0xF800) | (sum[1] >> 3 & 0x7E0) | (sum[2] >> 9 & 31);
-                out.push_back(static_cast<uint8_t>(word));
-                out.push_back(static_cast<uint8_t>(word >> 8));
+                *out++ = static_cast<uint8_t>(word);
+                *out++ = static_cast<uint8_t>(word >> 8);
             } else {
-                for (int c = 0; c < format.dst_bytes; c++) out.push_back(static_cast<uint8_t>(sum[c] >> 6));
+                for (int c = 0; c < format.dst_bytes; c++) *out++ = static_cast<uint8_t>(sum[c] >> 6);
             }
         }
     }
+}
+
+std::vector<uint8_t> reference(const Format &format, const Sizes &size, const uint8_t *src, size_t src_row,
+                               const BilinearAxis &x, const BilinearAxis &y) {
+    const auto dst_row = static_cast<size_t>(size.dw * format.dst_bytes);
+    std::vector<uint8_t> out(dst_row * static_cast<size_t>(size.dh));
+    resize_in_order(format, size, src, src_row, x, y, out.data(), dst_row);
     return out;
 }
 
@@ -237,6 +245,40 @@ TEST_P(Resizer, LinesOfEveryWeight) {
                 ASSERT_EQ(first_difference<uint8_t>(expected_row, dst.bytes(), std::max<size_t>(1, row)), "");
             }
         }
+    }
+}
+
+// Destinations at the source's own place, before it, behind it and beside it, made smaller and larger; of overlapping
+// rows too.
+TEST_P(Resizer, InTheSourcesMemory) {
+    for (int round = 0; round < 300; round++) {
+        const Format &format = kFormats[round % 5];
+        const int w = round % 3 == 0 ? 900 : 40;
+        const Sizes size{random.between(1, w), random.between(1, 24), random.between(1, w), random.between(1, 24)};
+        const int src_stride = size.sw + random.between(0, 3) * (w / 4);
+        const int dst_stride = round % 4 == 0 && src_stride * format.src_bytes % format.dst_bytes == 0
+                                   ? src_stride * format.src_bytes / format.dst_bytes
+                                   : random.between(size.dw / 2, size.dw + 3);
+        const int pitch = src_stride * format.src_bytes, dst_pitch = dst_stride * format.dst_bytes;
+        const int reach = 2 * format.src_bytes * size.sw;
+        const int offset = round % 2 == 0 ? 0 : random.between(-reach, std::max(reach, pitch * size.sh));
+        const size_t src_at = static_cast<size_t>(reach), dst_at = static_cast<size_t>(reach + offset);
+        GuardedBuffer memory(
+            static_cast<size_t>(2 * reach + pitch * size.sh + dst_pitch * size.dh + size.dw * format.dst_bytes));
+        memory.generate(random);
+        std::vector<uint8_t> expected = memory.bytes();
+        resize_in_order(format, size, expected.data() + src_at, static_cast<size_t>(pitch),
+                        BilinearAxis(size.sw, size.dw), BilinearAxis(size.sh, size.dh), expected.data() + dst_at,
+                        static_cast<size_t>(dst_pitch));
+        QORV_IRSZ_PARAM param =
+            parameters(format, 10 + round % 2, size, src_stride, dst_stride, memory.data() + dst_at);
+        param.band_h = size.sh;
+        QORV_IRSZ *rsz = qorv_irsz_create(&param, nullptr);
+        qorv_irsz(rsz, memory.data() + src_at, 0, static_cast<uint32_t>(size.sh));
+        qorv_irsz_delete(rsz);
+        ASSERT_EQ(memory.bytes(), expected)
+            << "format " << format.code << ", " << size.sw << "x" << size.sh << " (" << src_stride << ") to " << size.dw
+            << "x" << size.dh << " (" << dst_stride << ") at " << offset;
     }
 }
 
