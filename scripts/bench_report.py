@@ -218,17 +218,6 @@ def machine(contexts):
     return "| | |\n|---|---|\n" + "\n".join(f"| {key} | {value} |" for key, value in rows) + "\n"
 
 
-def instruction_table(counts, goals):
-    rows = []
-    for name, first in counts["g++"]["instructions"].items():
-        goal = goals.get("instructions/" + name)
-        rows.append([f"`{name}`", *(f"{counts[c]['instructions'][name]:.0f}" for c in COMPILERS),
-                     "" if goal is None else f"{goal:.0f}"])
-    half = -(-len(rows) // 2)
-    pairs = [left + right for left, right in zip(rows, rows[half:] + [[""] * 4] * (2 * half - len(rows)))]
-    return table(["function", *COMPILERS, "goal"] * 2, pairs)
-
-
 def size_table(sizes, goals):
     rows = []
     for architecture, by_compiler in sizes.items():
@@ -261,15 +250,7 @@ Mean (geometric) and range of the ratios to the best peer.
 {summary}
 """
 
-AARCH64 = """\
-## AArch64: instructions
-
-Instructions from the call of the exported function to its return, counted one by one under an emulator
-(`scripts/instruction_counts.py`): exact, and the same on every run. Converters and resizers: for 1000 destination
-pixels of a picture 1000 pixels wide, call and row overheads included. MD5: for 64 bytes. Bit reader and writer: for one
-field or code. Key frames: for 1024 bytes. Goals are rough.
-
-{instructions}
+SIZE = """\
 ## Size
 
 {sizes}
@@ -286,15 +267,13 @@ def main():
     goals = read_goals(goals_path)
     results = {c: read_results(os.path.join(folder, c + ".json")) for c in COMPILERS}
     all_families = sort_into_families({c: results[c][1] for c in COMPILERS})
-    counts = {c: read_json(folder, f"aarch64-{c}.json") for c in COMPILERS}
     text = INTRODUCTION.format(machine=machine({c: results[c][0] for c in COMPILERS}),
                                summary=summary(all_families, goals))
     for family in all_families:
         parts = (f"## {family.title}\n", family.note and family.note + "\n", table_of_peers(family, goals),
                  table_without_peers(family))
         text += "\n".join(part for part in parts if part) + "\n"
-    text += AARCH64.format(instructions=instruction_table(counts, goals),
-                           sizes=size_table(read_json(folder, "sizes.json"), goals))
+    text += SIZE.format(sizes=size_table(read_json(folder, "sizes.json"), goals))
     with open(os.path.join(out, "benchmarks.md"), "w", encoding="utf-8") as file:
         file.write(text)
     groups = [(f.title, peers_of_family(f), bench_chart.members(f.cases, COMPILERS, best_ratio, peers_of))
