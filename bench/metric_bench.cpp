@@ -2,7 +2,7 @@
 #include <string>
 
 #include "compare.h"
-#include "metric/members.h"
+#include "metric/member_list.h"
 #include "qorv_skia.h"
 
 #ifdef QORV_BENCH_AVUTIL

@@ -1,5 +1,12 @@
 // How the block metrics walk two blocks: in strips of a fixed width, several rows a step, rows narrower than a vector
 // side by side in one. Kernel sources alone include this header.
+//
+// An example, sad16x16 of bytes in vectors of 16 bytes:
+//   block_sum<kMagnitudes, 16, 16>   16 is a power of two, so that the block is one strip: strip_sum()
+//   StripSum<kMagnitudes, true, 16>  takes a row of 16 bytes in one vector: Shape has 1 column of vectors, 1 row each
+//   walk<16>                         makes one step of 16 rows, unrolled: for each row it loads a vector of either block
+//   add(k, a, b)                     adds the distances of vector k to sum[k % 2], by a primitive of core/simd_*.h
+//   total()                          adds up the lanes of both sums
 #pragma once
 
 #include "core/hide_origin.h"
@@ -14,17 +21,6 @@ template <int N, class F>
     if constexpr (N > 0) f(N - 1);
 }
 
-template <bool Condition, class A, class B>
-struct Choice {
-    using type = A;
-};
-template <class A, class B>
-struct Choice<false, A, B> {
-    using type = B;
-};
-template <bool Condition, class A, class B>
-using IfElse = typename Choice<Condition, A, B>::type;
-
 constexpr int smaller(int a, int b) {
     return a < b ? a : b;
 }
@@ -38,14 +34,25 @@ constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2;
 constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
 #endif
 
-// The rows of a block. Those at hand are reached from one pointer by what addressing modes there are.
+constexpr bool is_power_of_two(int n) {
+    return n > 0 && (n & (n - 1)) == 0;
+}
+
+constexpr int power_of_two_up_to(int n) {
+    int power = 1;
+    while (2 * power <= n) power *= 2;
+    return power;
+}
+
+// The rows of a block, by a pointer to one of them. The few rows that follow it are reached through addressing modes of
+// the processor, then skip() moves the pointer on.
 template <class T>
 class Rows {
 public:
     [[gnu::always_inline]] Rows(T *first, ptrdiff_t stride_in_samples)
         : first_(first), stride_(stride_in_samples * static_cast<ptrdiff_t>(sizeof(T))) {}
     [[gnu::always_inline]] T *at(int y, int x = 0) const { return (T *)((char *)first_ + y * stride_) + x; }
-    // Hides where the pointer comes from; the compiler would keep an offset for every row of an unrolled loop.
+    // Of an unrolled loop, the compiler would otherwise keep the offset of every row in a register of its own.
     [[gnu::always_inline]] void skip(int rows) {
         first_ = at(rows);
         hide_origin(first_);
@@ -56,15 +63,36 @@ private:
     ptrdiff_t stride_;
 };
 
-// `Count` words, one from each row, and zero in the lanes after them.
-template <class Word, int Count, class T>
+template <int Bytes>
+struct WordOf;
+template <>
+struct WordOf<1> {
+    using type = uint8_t;
+};
+template <>
+struct WordOf<2> {
+    using type = uint16_t;
+};
+template <>
+struct WordOf<4> {
+    using type = uint32_t;
+};
+template <>
+struct WordOf<8> {
+    using type = uint64_t;
+};
+
+// `Count` words of `Width` bytes, one from each row, and zero in the lanes after them.
+template <int Width, int Count, class T>
 [[gnu::always_inline]] inline Vec<uint8_t, 16> load_column(const Rows<T> &rows, int y, int x) {
+    using Word = typename WordOf<Width>::type;
     using V = Vec<Word, 16>;
     const auto word = [&](int i) __attribute__((always_inline)) {
         Word value;
         memcpy(&value, rows.at(y + i, x), sizeof value);
         return value;
     };
+    static_assert(Count == 1 || Count == 2 || Count == 4, "there is no way to load so many rows into one vector");
     if constexpr (Count == 1) return (Vec<uint8_t, 16>)V{word(0)};
     if constexpr (Count == 2) return (Vec<uint8_t, 16>)V{word(0), word(1)};
     if constexpr (Count == 4) return (Vec<uint8_t, 16>)V{word(0), word(1), word(2), word(3)};
@@ -78,17 +106,11 @@ template <int Width, int Count, int Bytes, class T>
     if constexpr (Width == Bytes) {
         return load<Vec<uint8_t, Bytes>>(rows.at(y, x));
     } else if constexpr (Bytes == 32) {
-        static_assert(Width == 16);
+        static_assert(Width == 16 && Count <= 2, "there is no way to load rows of this width into 32 bytes");
         using Half = Vec<uint8_t, Bytes / 2>;
         return concatenate(load<Half>(rows.at(y, x)), Count == 2 ? load<Half>(rows.at(y + 1, x)) : Half{});
-    } else if constexpr (Width == 8) {
-        return load_column<uint64_t, Count>(rows, y, x);
-    } else if constexpr (Width == 4) {
-        return load_column<uint32_t, Count>(rows, y, x);
-    } else if constexpr (Width == 2) {
-        return load_column<uint16_t, Count>(rows, y, x);
     } else {
-        return load_column<uint8_t, Count>(rows, y, x);
+        return load_column<Width, Count>(rows, y, x);
     }
 }
 
@@ -109,22 +131,26 @@ struct Constant {
     static constexpr int value = Value;
 };
 
-// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples.
+// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, kAcross of them beside each
+// other.
 template <int Width, int Lanes>
 struct Shape {
+    static_assert(is_power_of_two(Width) && is_power_of_two(Lanes), "a strip is as wide as a power of two");
     static constexpr int kColumns = smaller(Width, Lanes);
     static constexpr int kRows = smaller(Lanes / kColumns, 4);
     static constexpr int kAcross = Width / kColumns;
-    // Rows of a step of at most `Vectors` vectors, where a row is not more than that already.
+    // How many rows make a step of `Vectors` vectors; one row, if that alone is more.
     static constexpr int rows_of(int vectors) { return vectors > kAcross ? vectors / kAcross * kRows : 1; }
 };
 
-// f(Constant<rows>, y, vector) for `Count` rows, a vector's rows at a time, y counting rows within those at hand and
-// vector the vectors of the step; skip(n) after n rows.
+// Goes through the `Count` rows of a step: f(Constant<rows>, y, vector) for every vector at the left edge of the strip.
+// It holds so many rows, from row y on, counted from where the pointers stand; `vector` is its number within the step.
+// Whenever n rows are done, skip(n) moves the pointers.
 template <class S, int Count, class F, class Skip>
 [[gnu::always_inline]] inline void for_each_row(F f, Skip skip) {
     constexpr int kMost = S::kAcross == 1 ? kRowsAtHand : kWideRowsAtHand;
     constexpr int kRows = smaller(S::kRows, Count), kAtHand = smaller(kMost > kRows ? kMost : kRows, Count);
+    static_assert(Count % kAtHand == 0 && kAtHand % kRows == 0, "rows would be left out");
     unrolled<Count / kRows>([&](int i) __attribute__((always_inline)) {
         const int y = i * kRows % kAtHand;
         f(Constant<kRows>{}, y, i * S::kAcross);
@@ -132,11 +158,12 @@ template <class S, int Count, class F, class Skip>
     });
 }
 
-// Walks `rows` rows of two strips, `Step` rows a step and the rest in smaller steps. A step hands its vectors to
-// metric.add(k, a, b), k counting them, and their number to metric.end_step().
+// Walks `rows` rows of two strips, `Step` rows a step, and those that are left in steps of half as many. For vector k of
+// a step it calls metric.add(k, a, b), at the end of the step metric.end_step(how many vectors).
 template <int Step, class Metric, class A, class B>
 [[gnu::always_inline]] inline void walk(Metric &metric, Rows<A> &a, Rows<B> &b, int32_t rows) {
     using S = typename Metric::S;
+    static_assert(is_power_of_two(Step));
     for (; rows >= Step; rows -= Step) {
         const auto add = [&](auto together, int y, int first) __attribute__((always_inline)) {
             unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
@@ -161,6 +188,11 @@ constexpr int kMaxStrip = 64;
 #endif
 constexpr int kMaxRows = 64;
 
+// Whether a block of a fixed size is one strip, which its kernel walks unrolled. Any other one, 12x16 or 48x64 for
+// example, is an area like those of any size.
+template <int Width, int Height>
+constexpr bool kIsStrip = !kForSize && is_power_of_two(Width) && Width <= kMaxStrip && Height <= kMaxRows;
+
 // Cuts `width` columns into strips of powers of two: f(Constant<W>, x) for each, x being its first column.
 template <int Width = kMaxStrip, class F>
 [[gnu::always_inline]] inline void for_each_strip(int32_t width, F f, ptrdiff_t x = 0) {
@@ -176,8 +208,9 @@ template <class F>
     }
 }
 
-// f(Constant<W>) if the area is one of the square blocks that are asked for the most. The smallest ones, where a jump
-// is felt, come first: a compiler that saw through `w` would make a table or a tree of the sizes.
+// Calls f(Constant<W>) and returns true if the area is one of the square blocks that are asked for the most. The
+// smallest ones, which a few more instructions slow down the most, are looked for first. Hiding it keeps that order:
+// a compiler that knows `w` to be the same at every comparison makes a jump table or a binary search of them.
 template <class F>
 [[gnu::always_inline]] inline bool for_common_square(int32_t w, int32_t h, F f) {
     if (w != h) return false;

@@ -44,7 +44,7 @@ template <int Width, int Count, class V>
 // Walks `rows` rows of a strip, `Step` rows a step and the rest in smaller steps. The vectors of a row are stored
 // together, so that a machine with instructions for pairs of them can use those.
 template <int Width, int Step, class A, class B>
-[[gnu::always_inline]] inline void diff_strip(Rows<A> &a, Rows<B> &b, Rows<int16_t> &out, int32_t rows) {
+[[gnu::always_inline]] inline void diff_rows(Rows<A> &a, Rows<B> &b, Rows<int16_t> &out, int32_t rows) {
     constexpr int kBytes = Width < 16 ? 16 : kVectorBytes;
     using S = Shape<Width, kBytes / 2>;
     using Lanes = Vec<uint16_t, kBytes>;
@@ -62,21 +62,21 @@ template <int Width, int Step, class A, class B>
         for_each_row<S, Step>(
             subtract, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n), out.skip(n); });
     }
-    if constexpr (Step > 1) diff_strip<Width, Step / 2>(a, b, out, rows);
+    if constexpr (Step > 1) diff_rows<Width, Step / 2>(a, b, out, rows);
 }
 
 template <int Width, int Step, class A, class B>
-[[gnu::always_inline]] inline void diff_strip_of(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
-                                                 ptrdiff_t stride_out, int16_t *out, int32_t rows) {
+[[gnu::always_inline]] inline void diff_strip(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
+                                              ptrdiff_t stride_out, int16_t *out, int32_t rows) {
     Rows<const A> rows_a(a, stride_a);
     Rows<const B> rows_b(b, stride_b);
     Rows<int16_t> rows_out(out, stride_out);
-    diff_strip<Width, Step>(rows_a, rows_b, rows_out, rows);
+    diff_rows<Width, Step>(rows_a, rows_b, rows_out, rows);
 }
 
 template <class A, class B>
-[[gnu::noinline]] void diff_of_strips(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
-                                      int32_t stride_out, int16_t *out) {
+[[gnu::noinline]] void any_size_diff(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
+                                     int32_t stride_out, int16_t *out) {
     // Rows of the output that overlap each other are written in order, too.
     const bool rows_overlap = h > 1 && stride_out < w && stride_out > -w;
     const Span written(out, w, h, stride_out);
@@ -87,8 +87,8 @@ template <class A, class B>
         h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
             for_each_strip(
                 w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
-                    diff_strip_of<columns.value, 4>(a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b,
-                                                    stride_out, out + y * stride_out + x, rows);
+                    diff_strip<columns.value, 4>(a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b,
+                                                 stride_out, out + y * stride_out + x, rows);
                 });
         });
 }
@@ -104,7 +104,7 @@ template <class A, class B>
 template <int Width, int Height, class A, class B>
 [[gnu::noinline]] void careful_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
                                     int16_t *out) {
-    diff_of_strips(Width, Height, a, b, stride_a, stride_b, stride_out, out);
+    any_size_diff(Width, Height, a, b, stride_a, stride_b, stride_out, out);
 }
 
 template <int Width, int Height, class A, class B>
@@ -113,13 +113,15 @@ void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int3
         return (Height * stride + Width) * static_cast<ptrdiff_t>(sample);
     };
     const ptrdiff_t written = most_bytes(stride_out, sizeof *out);
-    if (kForSize || (stride_a | stride_b | stride_out) < 0 ||
+    if (!kIsStrip<Width, Height> || (stride_a | stride_b | stride_out) < 0 ||
         !surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) ||
         !surely_apart(out, written, b, most_bytes(stride_b, sizeof *b))) {
         return careful_diff<Width, Height>(a, b, stride_a, stride_b, stride_out, out);
     }
-    constexpr int kStep = Width <= 16 ? smaller(Height, 16) : 4;
-    diff_strip_of<Width, kStep>(a, b, stride_a, stride_b, stride_out, out, Height);
+    if constexpr (kIsStrip<Width, Height>) {
+        constexpr int kStep = smaller(power_of_two_up_to(Height), Width <= 16 ? 16 : 4);
+        diff_strip<Width, kStep>(a, b, stride_a, stride_b, stride_out, out, Height);
+    }
 }
 
 template <class T>
@@ -129,7 +131,7 @@ void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, i
         block_diff<side.value, side.value>(a, b, stride_a, stride_b, stride_out, out);
     };
     if (for_common_square(w, h, square) || w < 1 || h < 1) return;
-    diff_of_strips(w, h, a, b, stride_a, stride_b, stride_out, out);
+    any_size_diff(w, h, a, b, stride_a, stride_b, stride_out, out);
 }
 
 }  // namespace qorv::QORV_ISA

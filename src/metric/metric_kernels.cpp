@@ -7,16 +7,16 @@
 
 namespace qorv::QORV_ISA {
 
-#define QORV_SAD(w, h, suffix, A, B) .sad##w##x##h##suffix = block_sum<false, w, h, A, B>,
+#define QORV_SAD(w, h, suffix, A, B) .sad##w##x##h##suffix = block_sum<kMagnitudes, w, h, A, B>,
 #define QORV_DIFF(w, h, suffix, A, B) .diff##w##x##h##suffix = block_diff<w, h, A, B>,
 #define QORV_SATD(w, h, suffix, A, B) .satd##w##x##h##suffix = satd##w##x##h<A, B>,
 
 // clang-format off
 constinit const MetricKernels metric_kernels = {
-    .sad = area_sum<false, uint8_t>,
-    .sad_16 = area_sum<false, int16_t>,
-    .ssd = area_sum<true, uint8_t>,
-    .ssd_16 = area_sum<true, int16_t>,
+    .sad = area_sum<kMagnitudes, uint8_t>,
+    .sad_16 = area_sum<kMagnitudes, int16_t>,
+    .ssd = area_sum<kSquares, uint8_t>,
+    .ssd_16 = area_sum<kSquares, int16_t>,
     .satd = area_satd<uint8_t>,
     .satd_16 = area_satd<int16_t>,
     .diff = area_diff<uint8_t>,

@@ -3,7 +3,7 @@
 
 #include <stdint.h>
 
-#include "metric/members.h"
+#include "metric/member_list.h"
 
 namespace qorv {
 

@@ -56,28 +56,28 @@ template <bool Small, int N, class Sum, class V>
     if constexpr (Small) add_pairs(sum, all);
 }
 
-// A residual is taken in `N` vectors, each of as many rows of `Width` columns as its 16-bit lanes hold. Of bytes, where
-// the machine has it for nothing, with the horizontal stage between neighbours done.
+// Whether the first stage of the transform, that between horizontal neighbours, comes with the residual. On machines
+// with kHasSumsAndDifferences it costs nothing, if both blocks are of bytes.
 template <class A, class B>
 constexpr bool kFirstStageDone = kHasSumsAndDifferences && sizeof(A) + sizeof(B) == 2;
 
-// Lanes modulo 2^16. They are signed so that the compiler does not reorder the sums and lose what they have in common.
+// Loads a residual, modulo 2^16, into N vectors, each of as many rows of `Width` columns as it has lanes for. The lanes are signed so that the compiler does not reorder the sums and lose what they have in common.
 template <int Width, int N, class V, class A, class B>
 [[gnu::always_inline]] inline void load_residual(V (&v)[N], Rows<A> &a, Rows<B> &b) {
     constexpr int kBytes = sizeof(V);
+    using S = Shape<Width, kBytes / 2>;
     using Unsigned = Vec<uint16_t, kBytes>;
-    constexpr int kRows = kBytes / 2 / Width, kAtHand = kRowsAtHand > kRows ? kRowsAtHand : kRows;
-    unrolled<N>([&](int i) __attribute__((always_inline)) {
-        const int y = i * kRows % kAtHand;
+    const auto subtract = [&](auto, int y, int i) __attribute__((always_inline)) {
         if constexpr (kFirstStageDone<A, B>) {
             v[i] = sums_and_differences<Width, kBytes>(a.at(y), a.at(y + 1)) -
                    sums_and_differences<Width, kBytes>(b.at(y), b.at(y + 1));
         } else {
-            v[i] = (V)((Unsigned)load_samples<Width, kRows, kBytes>(a, y, 0) -
-                       (Unsigned)load_samples<Width, kRows, kBytes>(b, y, 0));
+            v[i] = (V)((Unsigned)load_samples<Width, S::kRows, kBytes>(a, y, 0) -
+                       (Unsigned)load_samples<Width, S::kRows, kBytes>(b, y, 0));
         }
-        if (y + kRows == kAtHand) a.skip(kAtHand), b.skip(kAtHand);
-    });
+    };
+    for_each_row<S, N * S::kRows>(
+        subtract, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n); });
 }
 
 // True when a residual is beyond -Limit..Limit, Limit being 2^n - 1.
@@ -173,8 +173,8 @@ template <class Sum, class T>
 
 // Whole tiles, the last ones reaching up to 3 columns and rows beyond the area.
 template <class T>
-[[gnu::noinline]] uint32_t satd_of_strips(int32_t w, int32_t h, const T *a, const T *b, ptrdiff_t stride_a,
-                                          ptrdiff_t stride_b) {
+[[gnu::noinline]] uint32_t any_size_satd(int32_t w, int32_t h, const T *a, const T *b, ptrdiff_t stride_a,
+                                         ptrdiff_t stride_b) {
     constexpr int kWide = kVectorBytes / 2;
     uint32_t total = 0;
     Vec<uint32_t, kVectorBytes> wide = {};
@@ -216,7 +216,7 @@ uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_
         if constexpr (kSide > 4) total = square_satd<kSide>(a, b, stride_a, stride_b);
     };
     if (for_common_square(w, h, square)) return total;
-    return w < 1 ? 0 : satd_of_strips(w, h, a, b, ptrdiff_t{stride_a}, ptrdiff_t{stride_b});
+    return w < 1 ? 0 : any_size_satd(w, h, a, b, ptrdiff_t{stride_a}, ptrdiff_t{stride_b});
 }
 
 // ---- 8x8 ----

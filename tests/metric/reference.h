@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "metric/members.h"
+#include "metric/member_list.h"
 #include "qorv_skia.h"
 
 namespace test {

@@ -2,6 +2,7 @@
 // its tests and its benchmarks.
 //
 // Fixed sizes: X(width, height, suffix, A, B), A and B being the sample types of the two blocks. Any size: X(name, T).
+// SADs and differences may be listed in any size; transforms have a body for 4x4 and one for 8x8 (satd.h), no other.
 #pragma once
 
 #define QORV_TINY_SIZES(X, suffix, A, B) \
