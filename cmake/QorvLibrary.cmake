@@ -59,14 +59,19 @@ function(qorv_kernel_sources)
   endforeach()
 endfunction()
 
-# One object library of all kernel sources for one instruction set.
+# An object library of kernel sources, compiled for one instruction set.
+function(qorv_add_kernel_objects target isa)
+  add_library(${target} OBJECT ${ARGN})
+  target_link_libraries(${target} PRIVATE qorv_build_options)
+  target_compile_options(${target} PRIVATE ${QORV_ISA_FLAGS_${isa}})
+  target_compile_definitions(${target} PRIVATE QORV_ISA=${isa} QORV_ISA_IS_${isa})
+  set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+endfunction()
+
+# The one of all the library's kernel sources.
 function(qorv_add_kernels isa)
   get_property(sources GLOBAL PROPERTY QORV_KERNEL_SOURCES)
-  add_library(qorv_kernels_${isa} OBJECT ${sources})
-  target_link_libraries(qorv_kernels_${isa} PRIVATE qorv_build_options)
-  target_compile_options(qorv_kernels_${isa} PRIVATE ${QORV_ISA_FLAGS_${isa}})
-  target_compile_definitions(qorv_kernels_${isa} PRIVATE QORV_ISA=${isa} QORV_ISA_IS_${isa})
-  set_target_properties(qorv_kernels_${isa} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  qorv_add_kernel_objects(qorv_kernels_${isa} ${isa} ${sources})
 endfunction()
 
 # The linker's version script is made from the list of exported names.

@@ -9,6 +9,7 @@
 
 #include "metric/metric_kernels.h"
 #include "metric/reference.h"
+#include "support/first_difference.h"
 #include "support/guarded_buffer.h"
 #include "support/kernel_fixture.h"
 #include "support/random.h"
@@ -16,7 +17,10 @@
 namespace test {
 namespace {
 
-class Metric : public WithKernelSet {};
+class Metric : public WithKernelSet {
+protected:
+    static const qorv::MetricKernels &kernels() { return *qorv::active.metric; }
+};
 INSTANTIATE_FOR_KERNEL_SETS(Metric);
 
 // A block that fills a guarded buffer from its first row to its last one, with nothing after the last sample.
@@ -138,6 +142,16 @@ TEST_P(Metric, EmptyAreasAreNotTouched) {
     }
 }
 
+// Rows are counted upwards in memory, and as wide as the stride: columns from the width on lie between them.
+std::string difference_in_rows(const std::vector<uint8_t> &expected, const Block &got) {
+    const auto samples = [](const uint8_t *p, size_t bytes) {
+        return std::span(reinterpret_cast<const int16_t *>(p), bytes / 2);
+    };
+    return first_difference<int16_t>(samples(expected.data(), expected.size()),
+                                     samples(got.buffer.data(), got.buffer.size()),
+                                     static_cast<size_t>(std::abs(got.stride)));
+}
+
 TEST_P(Metric, DiffsEqualThePlainLoopsAndStayInTheirRows) {
     for (const Diff &diff : diffs()) {
         for_all_sizes(diff, [&](int w, int h) {
@@ -148,8 +162,9 @@ TEST_P(Metric, DiffsEqualThePlainLoopsAndStayInTheirRows) {
                 diff.expected(w, h, a.first, b.first, a.stride, b.stride, stride,
                               reinterpret_cast<int16_t *>(expected.data() + (out.first - out.buffer.data())));
                 diff.run(w, h, a.first, b.first, a.stride, b.stride, stride, reinterpret_cast<int16_t *>(out.first));
-                ASSERT_TRUE(out.buffer.bytes() == expected && out.buffer.slack_intact())
-                    << diff.name << ' ' << w << 'x' << h << ", " << content;
+                ASSERT_EQ(difference_in_rows(expected, out), "")
+                    << diff.name << ' ' << w << 'x' << h << ", " << content << ", stride " << stride;
+                ASSERT_TRUE(out.buffer.slack_intact()) << diff.name << ' ' << w << 'x' << h;
             });
         });
     }
@@ -178,7 +193,7 @@ TEST_P(Metric, OverlappingDiffsRunInOrder) {
             };
             call(diff.expected, expected);
             call(diff.run, area);
-            ASSERT_TRUE(area == expected)
+            ASSERT_EQ(first_difference<uint8_t>(expected, area, area.size()), "")
                 << diff.name << ' ' << w << 'x' << h << ", at " << ::testing::PrintToString(at) << ", strides "
                 << ::testing::PrintToString(strides);
         }
@@ -226,7 +241,7 @@ TEST_P(Metric, HadamardEqualsTheMatrix) {
         GuardedBuffer buffer(32);
         std::copy(values.begin(), values.end(), buffer.as<int16_t>());
         buffer.make_read_only();
-        EXPECT_EQ(qorv_hadamard4x4(buffer.as<int16_t>()), hadamard({values.begin(), values.end()}, 4) >> 1)
+        EXPECT_EQ(kernels().hadamard4x4(buffer.as<int16_t>()), hadamard({values.begin(), values.end()}, 4) >> 1)
             << ::testing::PrintToString(values);
     };
     for (int limit : {1, 255, 4095, 4097, 32767}) {
@@ -273,8 +288,8 @@ TEST_P(Metric, EveryDifferenceOf16BitSamples) {
         std::fill(std::begin(a), std::end(a), static_cast<int16_t>(high));
         std::fill(std::begin(b), std::end(b), static_cast<int16_t>(low));
         const auto term = static_cast<uint64_t>(magnitude(d));
-        ASSERT_EQ(qorv_sad4x4_16(a, b, 4, 4), static_cast<uint32_t>(16 * term)) << d;
-        ASSERT_EQ(qorv_ssd_16(8, 2, a, b, 8, 8), static_cast<uint32_t>(16 * term * term)) << d;
+        ASSERT_EQ(kernels().sad4x4_16(a, b, 4, 4), static_cast<uint32_t>(16 * term)) << d;
+        ASSERT_EQ(kernels().ssd_16(8, 2, a, b, 8, 8), static_cast<uint32_t>(16 * term * term)) << d;
     }
 }
 
@@ -294,16 +309,48 @@ TEST_P(Metric, LargeAreasWrap) {
     }
 }
 
+// Tests run the kernels by the table of a set; that a call from outside reaches them is seen here.
+TEST_P(Metric, ExportedMembersAreTheirKernels) {
+    constexpr size_t kSamples = 64 * 64;
+    std::vector<int16_t> a(kSamples), b(kSamples);
+    std::generate(a.begin(), a.end(), [] { return random_numbers()() & 0x0F0F; });
+    std::generate(b.begin(), b.end(), [] { return random_numbers()() & 0x0F0F; });
+    const auto sizes = [](const auto &member) {
+        return std::pair{member.w != 0 ? member.w : 20, member.h != 0 ? member.h : 24};
+    };
+    for (const Cost &cost : costs()) {
+        const auto [w, h] = sizes(cost);
+        EXPECT_EQ(cost.exported(w, h, a.data(), b.data(), 64, 64), cost.expected(w, h, a.data(), b.data(), 64, 64))
+            << cost.name;
+    }
+    for (const Diff &diff : diffs()) {
+        const auto [w, h] = sizes(diff);
+        std::vector<int16_t> out(kSamples), expected(kSamples);
+        diff.exported(w, h, a.data(), b.data(), 64, 64, 64, out.data());
+        diff.expected(w, h, a.data(), b.data(), 64, 64, 64, expected.data());
+        EXPECT_EQ(first_difference<int16_t>(expected, out, 64), "") << diff.name;
+    }
+}
+
+// The members in the order of their table.
+const char *const kSlots[] = {
+#define QORV_AREA(name, T) #name,
+#define QORV_SAD(w, h, suffix, A, B) "sad" #w "x" #h #suffix,
+#define QORV_DIFF(w, h, suffix, A, B) "diff" #w "x" #h #suffix,
+#define QORV_SATD(w, h, suffix, A, B) "satd" #w "x" #h #suffix,
+    QORV_AREA_COSTS(QORV_AREA) QORV_AREA_DIFFS(QORV_AREA) "hadamard4x4",
+    QORV_SAD_BLOCKS(QORV_SAD) QORV_DIFF_BLOCKS(QORV_DIFF) QORV_SATD_BLOCKS(QORV_SATD)};
+
 // No member is missing from a table, or is another set's.
 TEST_P(Metric, EverySlotIsItsSetsOwn) {
-    using Slots = std::array<void *, sizeof(qorv::MetricKernels) / sizeof(void *)>;
+    using Slots = std::array<void *, std::size(kSlots)>;
     const auto slots = std::bit_cast<Slots>(*GetParam().metric);
     EXPECT_EQ(slots.size(), costs().size() + diffs().size() + 1);
     for (const qorv::KernelSet &set : runnable_kernel_sets()) {
         const auto others = std::bit_cast<Slots>(*set.metric);
         for (size_t i = 0; i < slots.size(); i++) {
-            EXPECT_NE(slots[i], nullptr) << "slot " << i;
-            EXPECT_EQ(slots[i] == others[i], set.metric == GetParam().metric) << set.name << " slot " << i;
+            EXPECT_NE(slots[i], nullptr) << kSlots[i];
+            EXPECT_EQ(slots[i] == others[i], set.metric == GetParam().metric) << set.name << ' ' << kSlots[i];
         }
     }
 }
@@ -311,29 +358,29 @@ TEST_P(Metric, EverySlotIsItsSetsOwn) {
 // Values worked out by hand, as a hold on the plain loops themselves.
 TEST_P(Metric, KnownValues) {
     const std::vector<uint8_t> black(64 * 64, 0), white(64 * 64, 255), grey(64, 20);
-    EXPECT_EQ(qorv_sad64x64(white.data(), black.data(), 64, 64), 1044480u);
-    EXPECT_EQ(qorv_ssd(64, 64, black.data(), white.data(), 64, 64), 266342400u);
+    EXPECT_EQ(kernels().sad64x64(white.data(), black.data(), 64, 64), 1044480u);
+    EXPECT_EQ(kernels().ssd(64, 64, black.data(), white.data(), 64, 64), 266342400u);
     const std::vector<int16_t> negative(64, -10);
-    EXPECT_EQ(qorv_sad8x8_bi(negative.data(), grey.data(), 8, 8), 1920u);
+    EXPECT_EQ(kernels().sad8x8_bi(negative.data(), grey.data(), 8, 8), 1920u);
 
     const int16_t low[4] = {INT16_MIN, 0, 0, 0}, high[4] = {INT16_MAX, 0, 0, 0}, zero[4] = {};
-    EXPECT_EQ(qorv_sad2x2_16(low, high, 2, 2), 65537u);
-    EXPECT_EQ(qorv_sad2x2_16(high, low, 2, 2), 65533u);
-    EXPECT_EQ(qorv_sad2x2_16(zero, high, 2, 2), 32767u);
+    EXPECT_EQ(kernels().sad2x2_16(low, high, 2, 2), 65537u);
+    EXPECT_EQ(kernels().sad2x2_16(high, low, 2, 2), 65533u);
+    EXPECT_EQ(kernels().sad2x2_16(zero, high, 2, 2), 32767u);
 
     int16_t residual[64] = {1};
-    EXPECT_EQ(qorv_hadamard4x4(residual), 8u);
-    EXPECT_EQ(qorv_satd8x8_bi(residual, black.data(), 8, 64), 16u);
+    EXPECT_EQ(kernels().hadamard4x4(residual), 8u);
+    EXPECT_EQ(kernels().satd8x8_bi(residual, black.data(), 8, 64), 16u);
     residual[1] = -1;
-    EXPECT_EQ(qorv_hadamard4x4(residual), 8u);
+    EXPECT_EQ(kernels().hadamard4x4(residual), 8u);
     std::fill(std::begin(residual), std::end(residual), int16_t{1});
-    EXPECT_EQ(qorv_hadamard4x4(residual), 8u);
-    EXPECT_EQ(qorv_satd8x8_bi(residual, black.data(), 8, 64), 16u);
-    EXPECT_EQ(qorv_satd(6, 4, white.data(), black.data(), 64, 64), 2u * 8 * 255);
+    EXPECT_EQ(kernels().hadamard4x4(residual), 8u);
+    EXPECT_EQ(kernels().satd8x8_bi(residual, black.data(), 8, 64), 16u);
+    EXPECT_EQ(kernels().satd(6, 4, white.data(), black.data(), 64, 64), 2u * 8 * 255);
 
     int16_t out[4];
     const int16_t minimum[4] = {INT16_MIN}, one[4] = {1};
-    qorv_diff2x2_16(minimum, one, 2, 2, 2, out);
+    kernels().diff2x2_16(minimum, one, 2, 2, 2, out);
     EXPECT_EQ(out[0], INT16_MAX);
 }
 

@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "metric/member_list.h"
+#include "core/isa.h"
+#include "metric/metric_kernels.h"
 #include "qorv_skia.h"
 
 namespace test {
@@ -94,13 +95,14 @@ struct SampleType {
 template <class T>
 constexpr SampleType kSampleType = {sizeof(T), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
 
-// A member without its types, beside its plain loop. w and h are 0 for one that is given them.
+// A member without its types: in the kernel set that is in use when it runs, as it is exported, and as a plain loop.
+// w and h are 0 for one that is given them.
 template <class Function>
 struct Member {
     std::string name;
     int w, h;
     SampleType a, b;
-    std::function<Function> run, expected;
+    std::function<Function> run, exported, expected;
 };
 using Cost = Member<uint32_t(int w, int h, const void *a, const void *b, int32_t stride_a, int32_t stride_b)>;
 using Diff = Member<void(int w, int h, const void *a, const void *b, int32_t stride_a, int32_t stride_b,
@@ -108,51 +110,62 @@ using Diff = Member<void(int w, int h, const void *a, const void *b, int32_t str
 
 // A member that is called with the sample types A and B, as run(w, h, a, b, strides...).
 template <class Member, class A, class B>
-Member erased(const char *name, int w, int h, auto run, auto plain) {
+Member erased(const char *name, int w, int h, auto run, auto exported, auto plain) {
     const auto call = [](auto f) {
         return [f](int cw, int ch, const void *a, const void *b, auto... more) {
             return f(cw, ch, static_cast<const A *>(a), static_cast<const B *>(b), more...);
         };
     };
-    return {name, w, h, kSampleType<A>, kSampleType<B>, call(run), call(plain)};
+    return {name, w, h, kSampleType<A>, kSampleType<B>, call(run), call(exported), call(plain)};
 }
 
 template <class A, class B>
-Cost cost(const std::string &name, int w, int h, auto run) {
+Cost cost(const std::string &name, int w, int h, auto run, auto exported) {
     const auto starts_with = [&](const char *prefix) { return name.rfind(prefix, 0) == 0; };
     auto plain = starts_with("sad")       ? plain_sad<A, B>
                  : starts_with("ssd")     ? plain_ssd<A, B>
                  : starts_with("satd8x8") ? plain_satd8x8<A, B>
                                           : plain_satd<A, B>;
-    return erased<Cost, A, B>(name.c_str(), w, h, run, plain);
+    return erased<Cost, A, B>(name.c_str(), w, h, run, exported, plain);
 }
 
+template <class A, class B>
+Diff diff(const char *name, int w, int h, auto run, auto exported) {
+    return erased<Diff, A, B>(name, w, h, run, exported, plain_diff<A, B>);
+}
+
+// Calls of a fixed size leave out the size.
+#define QORV_FIXED(call) [](int, int, auto... args) { return call(args...); }
+#define QORV_BLOCK(kind, family, w, h, suffix, A, B)                                                      \
+    kind<A, B>(#family #w "x" #h #suffix, w, h, QORV_FIXED(qorv::active.metric->family##w##x##h##suffix), \
+               QORV_FIXED(qorv_##family##w##x##h##suffix)),
+#define QORV_AREA(kind, name, T) \
+    kind<T, T>(                  \
+        #name, 0, 0, [](auto... args) { return qorv::active.metric->name(args...); }, qorv_##name),
+
 inline const std::vector<Cost> &costs() {
-#define QORV_BLOCK(kind, w, h, suffix, A, B)  \
-    cost<A, B>(#kind #w "x" #h #suffix, w, h, \
-               [](int, int, auto... args) { return qorv_##kind##w##x##h##suffix(args...); }),
-#define QORV_SAD(w, h, suffix, A, B) QORV_BLOCK(sad, w, h, suffix, A, B)
-#define QORV_SATD(w, h, suffix, A, B) QORV_BLOCK(satd, w, h, suffix, A, B)
-#define QORV_AREA(name, T) cost<T, T>(#name, 0, 0, qorv_##name),
+#define QORV_SAD(...) QORV_BLOCK(cost, sad, __VA_ARGS__)
+#define QORV_SATD(...) QORV_BLOCK(cost, satd, __VA_ARGS__)
+#define QORV_AREA_COST(name, T) QORV_AREA(cost, name, T)
     static const std::vector<Cost> members = {QORV_SAD_BLOCKS(QORV_SAD) QORV_SATD_BLOCKS(QORV_SATD)
-                                                  QORV_AREA_COSTS(QORV_AREA)};
-#undef QORV_BLOCK
+                                                  QORV_AREA_COSTS(QORV_AREA_COST)};
 #undef QORV_SAD
 #undef QORV_SATD
-#undef QORV_AREA
+#undef QORV_AREA_COST
     return members;
 }
 
 inline const std::vector<Diff> &diffs() {
-#define QORV_DIFF(w, h, suffix, A, B)                                                                        \
-    erased<Diff, A, B>(                                                                                      \
-        "diff" #w "x" #h #suffix, w, h, [](int, int, auto... args) { qorv_diff##w##x##h##suffix(args...); }, \
-        plain_diff<A, B>),
-#define QORV_AREA(name, T) erased<Diff, T, T>(#name, 0, 0, qorv_##name, plain_diff<T, T>),
-    static const std::vector<Diff> members = {QORV_DIFF_BLOCKS(QORV_DIFF) QORV_AREA_DIFFS(QORV_AREA)};
+#define QORV_DIFF(...) QORV_BLOCK(diff, diff, __VA_ARGS__)
+#define QORV_AREA_DIFF(name, T) QORV_AREA(diff, name, T)
+    static const std::vector<Diff> members = {QORV_DIFF_BLOCKS(QORV_DIFF) QORV_AREA_DIFFS(QORV_AREA_DIFF)};
 #undef QORV_DIFF
-#undef QORV_AREA
+#undef QORV_AREA_DIFF
     return members;
 }
+
+#undef QORV_FIXED
+#undef QORV_BLOCK
+#undef QORV_AREA
 
 }  // namespace test
