@@ -7,7 +7,7 @@ namespace qorv {
 namespace {
 
 template <int N>
-struct Bytes {
+struct BytePixel {
     static constexpr int kBytes = N, kChannels = N;
 
     static int channel(const uint8_t *pixel, int i) { return pixel[i]; }
@@ -16,7 +16,7 @@ struct Bytes {
     }
 };
 
-struct Word565 {
+struct Pixel565 {
     static constexpr int kBytes = 2, kChannels = 3;
 
     // The field's bits as the highest of a byte.
@@ -90,11 +90,11 @@ bool apart(const Rows &a, const Rows &b) {
 }  // namespace
 
 constinit const PictureKernels in_order = {
-    .gray = resize_in_order<Bytes<1>, Bytes<1>>,
-    .rgb = resize_in_order<Bytes<3>, Bytes<3>>,
-    .rgb_to_565 = resize_in_order<Bytes<3>, Word565>,
-    .rgb565 = resize_in_order<Word565, Word565>,
-    .rgba = resize_in_order<Bytes<4>, Bytes<4>>,
+    .gray = resize_in_order<BytePixel<1>, BytePixel<1>>,
+    .rgb = resize_in_order<BytePixel<3>, BytePixel<3>>,
+    .rgb_to_565 = resize_in_order<BytePixel<3>, Pixel565>,
+    .rgb565 = resize_in_order<Pixel565, Pixel565>,
+    .rgba = resize_in_order<BytePixel<4>, BytePixel<4>>,
 };
 
 bool order_is_free(const ResizeJob &job, int32_t src_bytes, int32_t dst_bytes) {

@@ -9,13 +9,13 @@ namespace qorv::QORV_ISA {
 namespace {
 
 // The outputs are the destination's bytes.
-template <int Slots>
+template <int N>
 struct StoreBytes {
-    static constexpr int kPixelBytes = Slots;
+    static constexpr int kPixelBytes = N;
 
     template <class Sampler>
     static void row(const Sampler &sampler, int columns, uint8_t *dst) {
-        const int bytes = columns * Slots, whole = bytes / kUnit * kUnit;
+        const int bytes = columns * N, whole = bytes / kUnit * kUnit;
         sampler.write(0, whole, dst);
         if (whole < bytes) {
             uint8_t last[kUnit];
@@ -54,14 +54,14 @@ int32_t strip_columns(const Part &part, int32_t done) {
     return part.w - done < kStripColumns ? part.w - done : kStripColumns;
 }
 
-template <class Pixel, int Slots, class Store>
+template <class Pixel, int PerPixel, class Store>
 void resize(const ResizeJob &job) {
     const Part &part = job.part;
     const int64_t readable = source_pixels(job.grid, part.end_x());
     for (int32_t done = 0; done < part.w; done += kStripColumns) {
         const int32_t columns = strip_columns(part, done);
-        const Columns<Pixel, Slots> strip(job.grid, part.x + done, columns, readable);
-        Sampler<Pixel, Slots> sampler(strip, job.rows, job.grid.y);
+        const Columns<Pixel, PerPixel> outputs(strip_of<Pixel, PerPixel>(job.grid, part.x + done, columns, readable));
+        Sampler<Pixel, PerPixel> sampler(outputs, job.rows, job.grid.y);
         uint8_t *dst = job.dst + ptrdiff_t{done} * Store::kPixelBytes;
         int64_t y = part.y * job.grid.y.step;
         for (int32_t row = 0; row < part.h; row++, y += job.grid.y.step, dst += job.dst_stride) {
@@ -71,19 +71,21 @@ void resize(const ResizeJob &job) {
     }
 }
 
-void sample_strip(const PlanesJob &job, const Columns<Bytes<1>, 1> &strip, int32_t first) {
-    const Axis &step = job.grid.y;
-    Sampler<Bytes<1>, 1> planes[kMaxPlanes] = {
-        {strip, job.rows[0], step}, {strip, job.rows[1], step}, {strip, job.rows[2], step}, {strip, job.rows[3], step}};
+void sample_strip(const PlanesJob &job, const Columns<BytePixel<1>, 1> &columns, int32_t first) {
+    const Axis &axis = job.grid.y;
+    Sampler<BytePixel<1>, 1> planes[kMaxPlanes] = {{columns, job.rows[0], axis},
+                                                   {columns, job.rows[1], axis},
+                                                   {columns, job.rows[2], axis},
+                                                   {columns, job.rows[3], axis}};
     uint8_t samples[kMaxPlanes][kStripColumns];
     const uint8_t *const rows[kMaxPlanes] = {samples[0], samples[1], samples[2], samples[3]};
-    int64_t y = job.part.y * step.step;
-    for (int32_t row = 0; row < job.part.h; row++, y += step.step) {
+    int64_t y = job.part.y * axis.step;
+    for (int32_t row = 0; row < job.part.h; row++, y += axis.step) {
         for (int i = 0; i < job.planes; i++) {
             planes[i].seek(y);
-            planes[i].write(0, strip.outputs, samples[i]);
+            planes[i].write(0, columns.outputs, samples[i]);
         }
-        job.take(job.context, rows, first, strip.count, job.part.y + row);
+        job.take(job.context, rows, first, columns.strip.count, job.part.y + row);
     }
 }
 
@@ -91,18 +93,19 @@ void sample_planes(const PlanesJob &job) {
     const int64_t readable = source_pixels(job.grid, job.part.end_x());
     for (int32_t done = 0; done < job.part.w; done += kStripColumns) {
         const int32_t x = job.part.x + done;
-        sample_strip(job, Columns<Bytes<1>, 1>(job.grid, x, strip_columns(job.part, done), readable), x);
+        const Strip strip = strip_of<BytePixel<1>, 1>(job.grid, x, strip_columns(job.part, done), readable);
+        sample_strip(job, Columns<BytePixel<1>, 1>(strip), x);
     }
 }
 
 }  // namespace
 
 constinit const ResizeKernels resize_kernels = {
-    .pictures = {.gray = resize<Bytes<1>, 1, StoreBytes<1>>,
-                 .rgb = resize<Bytes<3>, 3, StoreBytes<3>>,
-                 .rgb_to_565 = resize<Bytes<3>, 4, Store565>,
-                 .rgb565 = resize<Words565, 4, Store565>,
-                 .rgba = resize<Bytes<4>, 4, StoreBytes<4>>},
+    .pictures = {.gray = resize<BytePixel<1>, 1, StoreBytes<1>>,
+                 .rgb = resize<BytePixel<3>, 3, StoreBytes<3>>,
+                 .rgb_to_565 = resize<BytePixel<3>, 4, Store565>,
+                 .rgb565 = resize<Pixel565, 4, Store565>,
+                 .rgba = resize<BytePixel<4>, 4, StoreBytes<4>>},
     .planes = sample_planes,
 };
 

@@ -8,7 +8,7 @@
 
 namespace qorv {
 
-// Source rows by number. One of them may be held elsewhere than the others, whose memory is then not looked at.
+// Source rows by number. One row may be held in other memory: its place between the others is then not read.
 struct SourceRows {
     const uint8_t *base;  // row number `first`
     ptrdiff_t stride;     // bytes

@@ -139,7 +139,7 @@ void resize_full(const Format &format, const uint8_t *src, uint32_t src_pitch, i
 
 void resize_line(const Format &format, const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w,
                  int32_t shift_x, int32_t pel_step, uint32_t step_x, uint8_t *dst) {
-    const int64_t fy = weights[2] >> 3;  // of fx = 0 the third weight is 8 fy
+    const int64_t fy = weights[2] >> 3;  // the third weight is (8 - fx) fy, with fx = 0
     // Row 1 of a destination whose rows lie fy eighths apart.
     run(format, {.grid = {{step_x, shift_x}, {fy << kEighthBits, 0}, pel_step},
                  .part = {0, 1, dst_w, 1},

@@ -229,7 +229,7 @@ TEST_P(Resizer, LinesOfEveryWeight) {
     for (const Format &format : kFormats) {
         for (int fy = 0; fy < 8; fy++) {
             for (const int dw : {1, 7, 40, 260, 0}) {
-                // A height of 9 for 8 rows puts row fy at fy eighths; rows 0 and 1 of the source stand for any pair.
+                // From 2 rows to 8, row fy lies fy eighths below row 0.
                 const Sizes size{50, 2, dw, 8};
                 const size_t pitch = static_cast<size_t>(size.sw * format.src_bytes);
                 const GuardedBuffer source = make_source(format, size, pitch, Flush::kEnd);

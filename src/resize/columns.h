@@ -1,0 +1,160 @@
+// Where the outputs of a strip of columns come from. Kernel sources only.
+//
+// With fx and fy the eighths of a position, a sample is the sum of its four neighbours A B / C D
+//   ((8 - fy) [(8 - fx) A + fx B] + fy [(8 - fx) C + fx D]) >> 6,
+// exact in 16 bits as it stands: a bracket is at most 2040, the whole at most 16320.
+//
+// An output is one byte of one sampled pixel. Positions are turned once into windows of 16 source bytes, shuffle indices
+// and weights for every group of eight outputs. For each row a shuffle then brings every output's two neighbours side by
+// side and a multiply-add makes the bracket.
+#pragma once
+
+#include "core/simd.h"
+#include "resize/resize_kernels.h"
+
+namespace qorv::QORV_ISA {
+
+constexpr int kGroup = 8;                              // outputs of a 128-bit lane
+constexpr int kUnit = kVectorBytes;                    // outputs of a vector of bytes: the least that is produced
+constexpr int kWindow = 16;                            // bytes
+constexpr int64_t kOne = int64_t{1} << kPositionBits;  // one (decimated) pixel
+constexpr int64_t kMaxStep = 3 * kOne;                 // longer steps pick single pixels
+constexpr int kMaxPixels = 3 * kStripColumns + 2;      // under a strip, neighbour of the last included
+constexpr int kAnywhere = 0xFFFF;                      // a last window that pulls none back
+
+// Pixels: their bytes in memory and, where that differs, as they are sampled.
+template <int N>
+struct BytePixel {
+    static constexpr int kMemory = N, kSampled = N;
+};
+struct Pixel565 {
+    static constexpr int kMemory = 2, kSampled = 4;
+};
+
+// Two vectors of sums narrow to one of bytes lane by lane. So that the bytes come out in order, of four groups the
+// second and the third change places where a vector has two lanes.
+[[gnu::always_inline]] inline int place_of(int group) {
+    return kVectorBytes == 32 ? (group & ~3) | ((group & 1) << 1) | ((group >> 1) & 1) : group;
+}
+
+enum class Fetch {
+    kDirect,   // windows on the source row itself
+    kCompact,  // the pixels under the strip are brought together first
+    kPick,     // the two neighbours of every column are brought together first
+};
+
+// What is decided of a strip before anything is computed.
+struct Strip {
+    int count;  // columns
+    Fetch fetch;
+    bool wide;            // the outputs of a group come from two windows side by side
+    Axis x;               // of its columns
+    uint32_t fraction;    // of the first column's position
+    int64_t first_pixel;  // under the strip, in decimated pixels
+    int pixels;           // fetched for it
+    int64_t neighbour;    // source pixels to the right neighbour
+    ptrdiff_t origin;     // byte of a source row from which its windows count
+    int lead;             // bytes from there to the first pixel
+    int last_window;      // the highest offset of a window: one that would pass the row is pulled back to it
+};
+
+// The outputs of a group reach over at most so many bytes, with `pixel_step` from column to column.
+template <class Pixel, int PerPixel>
+int64_t group_span(int64_t pixel_step) {
+    constexpr int kColumnsBetween = PerPixel == 1 ? 7 : PerPixel == 3 ? 3 : 1;  // the first and the last of a group
+    return ((kColumnsBetween * pixel_step + kOne - 1) / kOne + 2) * Pixel::kSampled;
+}
+
+// The strip of `count` columns from `first` on, sampled into `PerPixel` outputs a pixel. Of a source row `readable`
+// pixels may be read.
+template <class Pixel, int PerPixel>
+Strip strip_of(const Grid &grid, int32_t first, int32_t count, int64_t readable) {
+    const Axis &x = grid.x;
+    const int64_t begin = first * x.step, end = begin + (count - 1) * x.step, first_pixel = begin >> kPositionBits;
+    // Behind a step of 0 is a source of one pixel: its right neighbour, of weight 0, does not exist.
+    const int64_t neighbour = x.step == 0 ? 0 : grid.neighbour;
+    const bool pick = x.step > kMaxStep || group_span<Pixel, PerPixel>(x.step) > 2 * kWindow ||
+                      (x.step != 0 && neighbour != 1 << x.shift);
+    const bool wide = group_span<Pixel, PerPixel>(pick ? 2 * kOne : x.step) > kWindow;
+
+    const ptrdiff_t start = static_cast<ptrdiff_t>(first_pixel) * Pixel::kMemory;
+    const ptrdiff_t last = static_cast<ptrdiff_t>(readable) * Pixel::kMemory - (wide ? 2 : 1) * kWindow;
+    const bool direct = !pick && Pixel::kMemory == Pixel::kSampled && x.shift == 0 && last >= 0;
+    const ptrdiff_t origin = start < last ? start : last;
+    return {.count = count,
+            .fetch = pick     ? Fetch::kPick
+                     : direct ? Fetch::kDirect
+                              : Fetch::kCompact,
+            .wide = wide,
+            .x = x,
+            .fraction = static_cast<uint32_t>(begin & (kOne - 1)),
+            .first_pixel = first_pixel,
+            .pixels = pick ? 2 * count : static_cast<int>((end >> kPositionBits) - first_pixel) + (x.step != 0 ? 2 : 1),
+            .neighbour = neighbour,
+            .origin = direct ? origin : 0,
+            .lead = direct ? static_cast<int>(start - origin) : 0,
+            .last_window = direct && last - origin < kAnywhere ? static_cast<int>(last - origin) : kAnywhere};
+}
+
+// A strip and, for pixels of `Pixel` sampled into `PerPixel` outputs each, where every output comes from. Outputs beyond
+// the pixel's own bytes repeat its last.
+template <class Pixel, int PerPixel>
+struct Columns {
+    static constexpr int kMaxOutputs = kStripColumns * PerPixel;
+
+    const Strip strip;
+    const int outputs;                                       // whole units
+    uint16_t offsets[kMaxOutputs / kGroup];                  // of the windows, groups in the order of place_of()
+    alignas(kVectorBytes) uint8_t indices[2 * kMaxOutputs];  // likewise
+    alignas(kVectorBytes) uint8_t weights[2 * kMaxOutputs];
+
+    explicit Columns(const Strip &decided)
+        : strip(decided), outputs((decided.count * PerPixel + kUnit - 1) / kUnit * kUnit) {
+        using U16x8 = Vec<uint16_t, 16>;
+        using U32x4 = Vec<uint32_t, 16>;
+        const uint32_t step = static_cast<uint32_t>(strip.x.step);
+        const U32x4 last_column = splat<U32x4>(static_cast<uint32_t>(strip.count - 1));
+        // A source of one pixel stands in for its own neighbour.
+        const uint16_t to_right = step == 0 ? 0 : kBytes;
+        for (int group = 0; group * kGroup < outputs; group++) {
+            const int phase = group % PerPixel;
+            const uint32_t block = static_cast<uint32_t>(group / PerPixel * kGroup);
+            U32x4 a = load<U32x4>(kPattern.column[phase]) + block, b = load<U32x4>(kPattern.column[phase] + 4) + block;
+            a = a < last_column ? a : last_column;
+            b = b < last_column ? b : last_column;
+            // Eighths from the strip's first pixel on. They fit: 13 bits hold 1024 pixels, a strip lies over 770. Longer
+            // steps wrap, but a picked column needs the fraction alone.
+            const U16x8 eighths = join((strip.fraction + a * step) >> kEighthBits & 0x1FFF,
+                                       (strip.fraction + b * step) >> kEighthBits & 0x1FFF);
+            const U16x8 pixel = strip.fetch == Fetch::kPick ? join(2 * a, 2 * b) : eighths >> 3;
+            const int start = strip.lead + pixel[0] * kBytes;
+            const int window = start < strip.last_window ? start : strip.last_window;
+            const U16x8 left = pixel * static_cast<uint16_t>(kBytes) + load<U16x8>(kPattern.byte[phase]) +
+                               static_cast<uint16_t>(strip.lead - window);
+            const int place = place_of(group);
+            offsets[place] = static_cast<uint16_t>(window);
+            store(indices + place * 2 * kGroup, pair_up(left, left + to_right));
+            store(weights + place * 2 * kGroup, pair_up(8 - (eighths & 7), eighths & 7));
+        }
+    }
+
+private:
+    static constexpr int kBytes = Pixel::kSampled;
+
+    // Byte and column of each output of eight columns.
+    struct Pattern {
+        uint16_t byte[PerPixel][kGroup];
+        uint32_t column[PerPixel][kGroup];
+    };
+    static constexpr Pattern kPattern = [] {
+        Pattern pattern{};
+        for (int i = 0; i < PerPixel * kGroup; i++) {
+            const int byte = i % PerPixel;
+            pattern.byte[i / kGroup][i % kGroup] = static_cast<uint16_t>(byte < kBytes ? byte : kBytes - 1);
+            pattern.column[i / kGroup][i % kGroup] = static_cast<uint32_t>(i / PerPixel);
+        }
+        return pattern;
+    }();
+};
+
+}  // namespace qorv::QORV_ISA
