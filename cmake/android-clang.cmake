@@ -14,7 +14,7 @@ set(CMAKE_CXX_COMPILER_TARGET ${QORV_ANDROID_PROCESSOR}-linux-android24)
 # musl declares the plain POSIX names, as bionic does; glibc would redirect some of them. The kernel's headers come last.
 set(CMAKE_CXX_FLAGS_INIT "-nostdlibinc -fstack-protector-strong \
 -isystem /usr/include/x86_64-linux-musl -idirafter /usr/include -idirafter /usr/include/x86_64-linux-gnu")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-fuse-ld=lld-19 -nostdlib -L${QORV_ANDROID_STUBS}")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-fuse-ld=lld-19 -nostdlib -Wl,--build-id=sha1 -L${QORV_ANDROID_STUBS}")
 set(CMAKE_CXX_STANDARD_LIBRARIES_INIT "-lc")
 if(QORV_ANDROID_PROCESSOR STREQUAL x86_64)
   # The processor test, which the NDK links from its own copy of this archive.

@@ -18,18 +18,20 @@ expect_equal() { # <what> <file> <file>
 }
 
 grep '^[a-z]' "$source/qorv_skia.exports" | sort > "$work/listed"
-"$nm" -D --defined-only "$library" | awk '{print $3}' | sort > "$work/exported"
+# Every name has the version of the interface, which itself stands among the names.
+"$nm" -D --defined-only "$library" | awk '$3 != "QORV_1" { print $3 }' | sort > "$work/exported"
 # The name of a declaration is the first word that a parenthesis or a bracket follows.
 grep -v '^#' "$header" | tr '\n' ' ' | sed -e 's:/\*[^*]*\*\+\([^/*][^*]*\*\+\)*/::g' |
     grep -o 'QORV_API [^;]*;' | sed -E 's/^[^([]*[ *]([a-z0-9_]+)[ ]*[[(].*$/\1/' | sort > "$work/declared"
 
-expect_equal "names listed and exported" "$work/listed" "$work/exported"
+expect_equal "names listed and exported" <(sed 's/$/@@QORV_1/' "$work/listed" | sort) "$work/exported"
 expect_equal "names listed and declared" "$work/listed" "$work/declared"
 [ -z "$(uniq -d "$work/listed")" ] || fail "a name is listed twice: $(uniq -d "$work/listed")"
 
 if [ "$check_needs" = ON ]; then
-    needed=$("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | tr '\n' ' ')
-    [ "$needed" = "libc.so.6 " ] || fail "the library needs $needed"
+    # The stack protector's guard lies in the dynamic loader on some processors: it is a part of the C library.
+    needed=$("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -v '^ld-' | tr '\n' ' ')
+    case $needed in "libc.so.6 " | "libc.so ") ;; *) fail "the library needs $needed" ;; esac
 fi
 
 warnings="-Wall -Wextra -Wpedantic -Werror -fsyntax-only"

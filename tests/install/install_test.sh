@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Installs the library and its Debian packages into scratch folders, builds and runs a user's project from there with
-# find_package and with pkg-config, in C and in C++, shared and static, and removes the packages again.
-# Usage: install_test.sh [BUILD-FOLDER], by default build-package; configured with the preset "package" if need be.
+# Installs the library into a scratch folder, moves it, and builds and runs a user's project from there with CMake, Meson
+# and pkg-config, in C and in C++, shared and static; builds the project with the sources as a subproject too.
+# Usage: install_test.sh [BUILD-FOLDER], by default build-install; configured if need be.
 set -eu
 cd "$(dirname "$0")/../.."
-build=${1:-build-package}
-[ -f "$build/CMakeCache.txt" ] || cmake --preset package -B "$build" -G Ninja
+build=${1:-build-install}
+[ -f "$build/CMakeCache.txt" ] || cmake -S . -B "$build" -G Ninja
 cmake --build "$build"
 
 work=$(mktemp -d)
@@ -24,18 +24,30 @@ build_with_find_package() {  # build_with_find_package PREFIX LANGUAGE
   [ "$2" = CXX ] || [ "$(needs "$out/consumer_qorv_skia_static")" = libc.so.6 ] || fail "a C program needs more than libc"
 }
 
-build_the_readmes_example() {  # with pkg-config's paths
-  awk '/^```c$/ { inside = 1; next } /^```/ { inside = 0 } inside' README.md >"$work/grey.c"
-  # shellcheck disable=SC2046
-  cc -Wall -Wextra -Werror "$work/grey.c" $(pkg-config --cflags --libs qorv_skia) -o "$work/grey"
-  [ "$(LD_LIBRARY_PATH=$(pkg-config --variable=libdir qorv_skia) "$work/grey")" = "R G B 128 128 128" ] ||
-    fail "the example of README.md"
+build_as_subproject() {
+  local out=$work/subproject flags="-O1 -DFLAGS_OF_THE_USER"
+  cmake -S tests/install -B "$out" -G Ninja -DCONSUMER_LANGUAGE=CXX -DCONSUMER_SUBPROJECT="$PWD" -DQORV_SCALAR=ON \
+    -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="$flags" -DCMAKE_UNITY_BUILD=ON
+  cmake --build "$out"
+  "$out/consumer_qorv_skia"
+  "$out/consumer_qorv_skia_static"
+  [ -s "$out/compile_commands.json" ] || fail "no compile commands"
+  ! grep '"command"' "$out/compile_commands.json" | grep -v -- " $flags " || fail "other flags than the user's"
 }
 
-build_with_pkg_config() {  # build_with_pkg_config PREFIX COMPILER...
+build_the_readmes_example() {  # with pkg-config's paths, as C and as C++
+  local compiler
+  awk '/^```c$/ { inside = 1; next } /^```/ { inside = 0 } inside' README.md >"$work/grey.c"
+  for compiler in "cc" "c++ -x c++"; do
+    # shellcheck disable=SC2046,SC2086
+    $compiler -Wall -Wextra -Werror "$work/grey.c" $(pkg-config --cflags --libs qorv_skia) -o "$work/grey"
+    [ "$(LD_LIBRARY_PATH=$(pkg-config --variable=libdir qorv_skia) "$work/grey")" = "R G B 128 128 128" ] ||
+      fail "the example of README.md"
+  done
+}
+
+build_with_pkg_config() {  # build_with_pkg_config COMPILER...
   local libdir
-  export PKG_CONFIG_PATH; PKG_CONFIG_PATH=$(dirname "$(find "$1" -name qorv_skia.pc)")
-  shift
   pkg-config --atleast-version=1.0 qorv_skia && ! pkg-config --atleast-version=2 qorv_skia || fail "pkg-config's version"
   libdir=$(pkg-config --variable=libdir qorv_skia)
   set -- "$@" -Wall -Wextra -Werror -DCONSUMER_VERSION="\"$(pkg-config --modversion qorv_skia)\"" tests/install/consumer.c
@@ -50,27 +62,17 @@ build_with_pkg_config() {  # build_with_pkg_config PREFIX COMPILER...
 cmake --install "$build" --prefix "$work/before"
 mv "$work/before" "$work/prefix"  # an installed tree may be moved
 for language in C CXX; do build_with_find_package "$work/prefix" "$language"; done
-build_with_pkg_config "$work/prefix" gcc -std=c11 -Wpedantic
-build_with_pkg_config "$work/prefix" g++ -std=c++17 -x c++
+build_as_subproject
 
-(cd "$build" && cpack -B "$work/packages")
-# The maintainer scripts run outside the scratch root and refresh the linker's cache, here a stand-in.
-mkdir -p "$work/bin" "$work/root/var/lib/dpkg/updates" "$work/root/var/lib/dpkg/info" "$work/root/var/lib/dpkg/triggers"
-touch "$work/root/var/lib/dpkg/status"
-printf '#!/bin/sh\necho refreshed >>"%s"\n' "$work/cache" >"$work/bin/ldconfig"
-chmod +x "$work/bin/ldconfig"
-in_scratch_root() {
-  PATH=$work/bin:$PATH dpkg --root="$work/root" --force-not-root --force-depends --force-script-chrootless \
-    --log=/dev/null "$@"
-}
-in_scratch_root --install "$work"/packages/libqorv-skia1_*.deb
-in_scratch_root --install "$work"/packages/libqorv-skia-dev_*.deb
-build_with_pkg_config "$work/root" gcc -std=c11
+export PKG_CONFIG_PATH; PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name qorv_skia.pc)")
+build_with_pkg_config gcc -std=c11 -Wpedantic
+build_with_pkg_config g++ -std=c++17 -x c++
 build_the_readmes_example
-in_scratch_root --purge libqorv-skia-dev
-[ -z "$(find "$work/root/usr" -name '*.h' -o -name '*.so')" ] || fail "the development package left files"
-in_scratch_root --purge libqorv-skia1
-left=$(find "$work/root" -path "$work/root/var" -prune -o ! -type d -print)
-[ -z "$left" ] || fail "the packages left $left"
-[ "$(wc -l <"$work/cache")" -eq 2 ] || fail "the linker's cache was not refreshed at installation and at removal"
-echo "Installed, used and removed"
+meson setup "$work/meson" tests/install
+meson test -C "$work/meson" --print-errorlogs
+
+# For the system's own folders the paths are those that the compiler searches anyway, which pkg-config then leaves out.
+DESTDIR=$work/root cmake --install "$build" --prefix /usr
+PKG_CONFIG_PATH=$(dirname "$(find "$work/root" -name qorv_skia.pc)")
+[ "$(pkg-config --variable=prefix qorv_skia) $(pkg-config --cflags qorv_skia)" = "/usr " ] || fail "pkg-config's paths below /usr"
+echo "Installed, moved and used"

@@ -1,0 +1,27 @@
+# What the library is not made for is said here, in one sentence, rather than by the compiler in the middle of a source.
+
+set(oldest_GNU 12)
+set(oldest_Clang 14)
+if(NOT DEFINED oldest_${CMAKE_CXX_COMPILER_ID})
+  message(FATAL_ERROR "${PROJECT_NAME} is built by GCC ${oldest_GNU} or later or by clang ${oldest_Clang} or later, not by ${CMAKE_CXX_COMPILER_ID}.")
+elseif(CMAKE_CXX_COMPILER_VERSION VERSION_LESS oldest_${CMAKE_CXX_COMPILER_ID})
+  message(FATAL_ERROR "${PROJECT_NAME} needs ${CMAKE_CXX_COMPILER_ID} ${oldest_${CMAKE_CXX_COMPILER_ID}} or later, this is ${CMAKE_CXX_COMPILER_VERSION}.")
+endif()
+if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
+  message(FATAL_ERROR "${PROJECT_NAME} is for 64-bit processors only: its records have the layout of LP64.")
+endif()
+if(CMAKE_CXX_BYTE_ORDER STREQUAL BIG_ENDIAN)
+  message(FATAL_ERROR "${PROJECT_NAME} is for little-endian processors only.")
+endif()
+if(NOT CMAKE_SYSTEM_NAME MATCHES "^(Linux|Android)$")
+  message(FATAL_ERROR "${PROJECT_NAME} is for Linux and Android only, not for ${CMAKE_SYSTEM_NAME}.")
+endif()
+
+# Where QORV_SCALAR is off, these have kernels of their own.
+set(QORV_AARCH64 OFF)
+set(QORV_X86_64 OFF)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64|ARM64)$")
+  set(QORV_AARCH64 ON)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+  set(QORV_X86_64 ON)
+endif()
