@@ -32,11 +32,9 @@ target_compile_options(qorv_build_options INTERFACE
 if(QORV_AARCH64)
   target_compile_options(qorv_build_options INTERFACE -mbranch-protection=standard)
 endif()
-if(NOT QORV_SANITIZE)
-  # No exception ever passes through the library, so that a release needs no tables to unwind it: a tenth of its size.
-  target_compile_options(qorv_build_options INTERFACE
-    $<$<CONFIG:Release>:-fno-unwind-tables> $<$<CONFIG:Release>:-fno-asynchronous-unwind-tables>)
-endif()
+# No exception begins in the library, but a crash in it has to show its caller, and one thrown by a callback has to
+# pass. Some targets leave the tables out unless asked.
+target_compile_options(qorv_build_options INTERFACE -fasynchronous-unwind-tables)
 
 add_library(qorv_objects OBJECT)
 target_link_libraries(qorv_objects PRIVATE qorv_build_options)

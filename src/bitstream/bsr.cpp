@@ -25,7 +25,7 @@ inline int32_t refill(QORV_BSR &r) {
     return QORV_OK;
 }
 
-// Takes n bits, 1 to 32, that are in the cache.
+// Takes n bits, 0 to 32, that are in the cache.
 inline uint32_t take(QORV_BSR &r, int32_t n) {
     const uint64_t split = uint64_t{r.code} << n;
     r.code = static_cast<uint32_t>(split);
@@ -56,18 +56,19 @@ inline uint32_t take_short(QORV_BSR &r, int32_t n) {
 }
 
 // Where the cached bits end is as good as random to a processor's branch prediction, so the next word is always loaded
-// and, where it is not needed, masked out.
+// and, where it is not needed, masked out. The new cache comes from one word alone: after a unary code of a whole word,
+// ones remain below the bits that count.
 inline uint32_t read(QORV_BSR &r, int32_t n) {
     const int32_t left = r.leftbits;
     if (left >= 0 && word_at_hand(r)) [[likely]] {
         const int32_t missing = n - left;
         const uint32_t needed = 0 - static_cast<uint32_t>(missing > 0);  // a mask
-        const uint64_t more = load_big_endian(r.cur) & needed;
-        const uint64_t split = uint64_t{r.code} << n | more << (missing & 63);
-        r.code = static_cast<uint32_t>(split);
+        const uint64_t word = load_big_endian(r.cur) & needed;
+        const uint64_t cached = uint64_t{r.code} << n, more = word << (missing & 63);
+        r.code = static_cast<uint32_t>(missing > 0 ? more : cached);
         r.leftbits = static_cast<int32_t>(needed & 32) - missing;
         r.cur += needed & kWordBytes;
-        return static_cast<uint32_t>(split >> 32);
+        return static_cast<uint32_t>((cached | more) >> 32);
     }
     return n <= left ? take(r, n) : read_refilling(r, n);
 }

@@ -30,16 +30,19 @@ int32_t allocate_buffers(QORV_AUDB &audb, int32_t count, uint32_t samples, uint3
 extern "C" QORV_AUDB *qorv_audb_create(uint32_t samples, int32_t channels, uint32_t bits, uint32_t attr, int32_t layout,
                                        uint64_t /*unused*/, qorv_alloc_fn alloc, qorv_free_fn release,
                                        int32_t *status) {
-    return create_record<free_buffers, QORV_AUDB>(status, [&](QORV_AUDB &audb) {
+    return create_record<free_buffers, QORV_AUDB>(status, [&](QORV_AUDB &audb) -> int32_t {
         audb.channels = channels;
         audb.bits = bits;
         audb.attr = attr;
         audb.layout = layout;
         audb.alloc = alloc != nullptr ? alloc : default_alloc;
         audb.free = alloc != nullptr ? release : default_free;
-        const uint32_t channel_bytes = ((bits + 7) >> 3) * samples;
-        if (layout < 1 || layout > 99) return allocate_buffers(audb, channels, samples, channel_bytes);
-        audb.interleaved = 1;
-        return allocate_buffers(audb, 1, samples, channel_bytes * static_cast<uint32_t>(channels));
+        const uint64_t sample_bytes = (uint64_t{bits} + 7) >> 3;
+        audb.interleaved = layout >= 1 && layout <= 99 ? 1 : 0;
+        uint32_t bytes;
+        if (__builtin_mul_overflow(sample_bytes, samples, &bytes)) return QORV_ERR_ALLOC_FAILED;
+        if (audb.interleaved == 0) return allocate_buffers(audb, channels, samples, bytes);
+        if (__builtin_mul_overflow(bytes, static_cast<uint32_t>(channels), &bytes)) return QORV_ERR_ALLOC_FAILED;
+        return allocate_buffers(audb, 1, samples, bytes);
     });
 }

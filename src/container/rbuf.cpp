@@ -59,7 +59,8 @@ int32_t take_wrapped_line(QORV_RBUF &rbuf, char *dest, int32_t dsize) {
     }
     // A zero byte has not ended the search: the rest is copied behind the whole of the first part.
     if (dsize <= to_end) return 0;
-    if (rbuf.buf[rbuf.size - 1] == kCr && rbuf.buf[0] == kLf) {
+    // A line feed that is not held, from before, ends nothing.
+    if (rbuf.wr > 0 && rbuf.buf[rbuf.size - 1] == kCr && rbuf.buf[0] == kLf) {
         put(dest, to_end, kLf);
         put(dest, to_end + 2, 0);
         rbuf.rd = 1;

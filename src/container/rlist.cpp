@@ -15,7 +15,11 @@ bool append(QORV_RLIST &rlist) {
     Node *node = static_cast<Node *>(malloc(sizeof(Node) + static_cast<size_t>(rlist.isize)));
     if (node == nullptr) return false;
     *node = {rlist.last, nullptr};
-    (rlist.last != nullptr ? rlist.last->next : rlist.first) = node;
+    if (rlist.last == nullptr) {
+        rlist.first = node;
+    } else {
+        rlist.last->next = node;
+    }
     rlist.last = node;
     return true;
 }
@@ -39,6 +43,7 @@ extern "C" QORV_RLIST *qorv_rlist_create(int32_t isize, int32_t count) {
 }
 
 extern "C" void qorv_rlist_delete(QORV_RLIST *rlist) {
+    if (rlist == nullptr) return;
     for (Node *node = rlist->first; node != nullptr;) {
         Node *next = node->next;
         free(node);

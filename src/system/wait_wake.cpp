@@ -1,9 +1,10 @@
 // Waiting for a 32-bit word to take a value. On AArch64 the processor does it: the exclusive load leaves the address
 // watched, so that a later store by another core raises the event that ends the wait. Elsewhere a waiter spins for a
-// moment and then sleeps in the kernel.
+// moment and then sleeps in the kernel, a few milliseconds at a time.
 #include "qorv_skia.h"
 
 #if !defined(__aarch64__)
+#include <errno.h>
 #include <limits.h>
 #include <linux/futex.h>
 #include <sched.h>
@@ -53,8 +54,20 @@ void publish(int32_t *word, int32_t value) {
 constexpr int kYields = 20;
 constexpr int kPausesPerYield = 10;
 
-// Waiters of the process that are asleep or about to be. While it is 0 a wake costs no system call.
+// Waiters that are asleep or about to be. While it is 0 a wake costs no system call. It hastens a wake and decides none:
+// waiters of another copy of the library or of another process are not counted here, nor does a plain store look.
 int32_t sleepers = 0;
+
+// The longest that a waiter sleeps before it looks again: seconds and nanoseconds, in words of the kernel's size. A
+// whole wait at this rate takes about a seven-hundredth of a core.
+constexpr long kLongestSleep[2] = {0, 5'000'000};
+
+// Not private to the process: the word may lie in shared memory.
+void futex(const int32_t *word, int operation, int32_t value, const long *limit) {
+    const int saved = errno;
+    syscall(SYS_futex, word, operation, value, limit);
+    errno = saved;
+}
 
 void pause_spinning() {
 #if defined(__x86_64__) || defined(__i386__)
@@ -62,11 +75,11 @@ void pause_spinning() {
 #endif
 }
 
-// Sleeps unless the word differs from `seen` by now; returns at a wake, and now and then without one.
+// Sleeps unless the word differs from `seen` by now; returns at a wake, after a while, and now and then at once.
 void sleep_on(const int32_t *word, int32_t seen) {
     // Counted before the kernel looks at the word: a waker that is not seen there sees the count.
     __atomic_add_fetch(&sleepers, 1, __ATOMIC_SEQ_CST);
-    syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, seen, nullptr);
+    futex(word, FUTEX_WAIT, seen, kLongestSleep);
     __atomic_sub_fetch(&sleepers, 1, __ATOMIC_RELAXED);
 }
 
@@ -96,10 +109,9 @@ int32_t wait_until_over(const int32_t *word, int32_t value) {
 }
 
 void publish(int32_t *word, int32_t value) {
-    __atomic_store_n(word, value, __ATOMIC_SEQ_CST);
-    if (__atomic_load_n(&sleepers, __ATOMIC_SEQ_CST) != 0) {
-        syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, INT_MAX);
-    }
+    // The word may be read-only when the value is there already.
+    if (load(word) != value) __atomic_store_n(word, value, __ATOMIC_SEQ_CST);
+    if (__atomic_load_n(&sleepers, __ATOMIC_SEQ_CST) != 0) futex(word, FUTEX_WAKE, INT_MAX, nullptr);
 }
 
 #endif

@@ -1,6 +1,9 @@
 // The audio, bitstream and bare buffers, owned bytes, and the reference operations of all four records.
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
+#include <atomic>
 #include <cstring>
 #include <thread>
 #include <vector>
@@ -79,19 +82,21 @@ TYPED_TEST(References, CountUpAndDownAndFreeAtZero) {
 TYPED_TEST(References, AreSafeBetweenThreads) {
     TypeParam *record = make<TypeParam>(false, nullptr);
     std::vector<std::thread> threads;
+    std::atomic<int> frees = 0;  // releases that brought the count to 0
     for (int t = 0; t < 4; t++) {
         record->addref(record);
-        threads.emplace_back([record] {
+        threads.emplace_back([record, &frees] {
             for (int i = 0; i < 2000; i++) {
                 record->addref(record);
                 EXPECT_GT(record->getref(record), 1);
-                record->release(record);
+                EXPECT_GT(record->release(record), 0);
             }
-            record->release(record);
+            frees += record->release(record) == 0;
         });
     }
-    EXPECT_GE(record->release(record), 0);  // the last thread frees it
+    frees += record->release(record) == 0;
     for (std::thread &thread : threads) thread.join();
+    EXPECT_EQ(frees, 1);
 }
 
 TEST_F(Buffers, AudioIsInterleavedForLayouts1To99) {
@@ -127,6 +132,27 @@ TEST_F(Buffers, AudioIsInterleavedForLayouts1To99) {
             }
         }
         EXPECT_EQ(audb->release(audb), 0);
+    }
+}
+
+TEST_F(Buffers, AudioReportsSizesThatDoNotFit) {
+    struct Case {
+        uint32_t samples;
+        int32_t channels;
+        uint32_t bits;
+        int32_t layout;
+    };
+    for (const Case &c : {Case{1u << 30, 1, 32, 0},
+                          {1u << 31, 1, 9, 1},
+                          {0xFFFFFFFF, 2, 8, 1},
+                          {2, 1 << 30, 16, 50},
+                          {1, -1, 16, 7},
+                          {16, 1, 0xFFFFFFFF, 0}}) {
+        int32_t status = 99;
+        EXPECT_EQ(qorv_audb_create(c.samples, c.channels, c.bits, 0, c.layout, 0, RecordingAllocator::alloc,
+                                   RecordingAllocator::free, &status),
+                  nullptr);
+        EXPECT_EQ(status, QORV_ERR_ALLOC_FAILED) << c.samples << " samples";
     }
 }
 
@@ -166,6 +192,14 @@ TEST_F(Buffers, OwnedBytesAreCopiedAndTerminated) {
         qorv_vdata_free(value);
     }
     qorv_vdata_free(nullptr);
+
+    // Whatever the allocator rounds up to, the terminator has its room.
+    const std::vector<char> long_text(64, 'y');
+    for (int32_t size = 1; size <= 64; size++) {
+        EXPECT_EQ(qorv_vdata_set(&first, long_text.data(), size, 7), QORV_OK);
+        EXPECT_GE(malloc_usable_size(first.data), static_cast<size_t>(size) + 2);
+        qorv_vdata_free(&first);
+    }
 
     char stale;
     first.data = &stale;

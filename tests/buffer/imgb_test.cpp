@@ -183,6 +183,46 @@ TEST_F(Imgb, ReportsEveryFailureAndLeaksNothing) {
     EXPECT_EQ(test::live_allocations(), before);
 }
 
+// Sizes come from the headers of files. A block is at most 2^32 - 1 bytes, a stride or a number of rows 2^31 - 1.
+TEST_F(Imgb, ReportsSizesThatDoNotFit) {
+    struct Case {
+        Request request;
+        uint32_t bsize;  // 0: does not fit
+    };
+    const Request small = {16, 16, 10};
+    QORV_IMGB *other = create(small);
+    for (const Case &c : {Case{{65536, 16384, 500}, 0},
+                          {{65535, 65537, 10}, 0xFFFFFFFF},
+                          {{65536, 65536, 10}, 0},
+                          {{0x7FFFFFFF, 2, 10}, 0xFFFFFFFE},
+                          {{0x7FFFFFFF, 2, 10, words(2, 1)}, 0},
+                          {{2, 0x7FFFFFFF, 10}, 0xFFFFFFFE},
+                          {{1, 0x7FFFFFFF, 10, {}, words(0, 1)}, 0},
+                          {{0x40000000, 1, 500}, 0},
+                          {{-1, 1, 10}, 0},
+                          {{1, -5, 400}, 0},
+                          {{-16, -16, 11, words(16, 16), words(16, 16)}, 0},
+                          {{50000, 50000, 13}, 0},
+                          {{53509, 53509, 11}, 0xFFFE902B},
+                          {{53511, 53510, 11}, 0}}) {
+        static uint32_t asked;
+        asked = 0;
+        int32_t status = 99;
+        const auto refuse = [](uint32_t size, uint64_t *) -> void * { return asked = size, nullptr; };
+        const Request &r = c.request;
+        const test::Doing doing("colour space %u, %dx%d", r.cs, r.w, r.h);
+        EXPECT_EQ(qorv_imgb_create(r.w, r.h, r.cs, 3, r.align_words(), r.pad_words(), refuse, RecordingAllocator::free,
+                                   &status),
+                  nullptr);
+        EXPECT_EQ(status, QORV_ERR_ALLOC_FAILED);
+        EXPECT_EQ(asked, c.bsize);
+        EXPECT_EQ(qorv_imgb_rebirth(other, r.w, r.h, r.cs, 3, r.align_words(), r.pad_words()),
+                  c.bsize == 0 ? QORV_ERR_ALLOC_FAILED : QORV_ERR_OUT_OF_MEMORY);
+        expect_layout(*other, Model(small), small, 0);
+    }
+    other->release(other);
+}
+
 TEST_F(Imgb, UsesItsOwnAllocatorWhenGivenNone) {
     const long before = test::live_allocations();
     // A release function without an allocator is ignored.
@@ -245,6 +285,10 @@ TEST_F(Imgb, RebirthThatFailsChangesNothing) {
     EXPECT_EQ(memcmp(&before, imgb, sizeof before), 0);
     EXPECT_EQ(qorv_imgb_rebirth(imgb, 16, 16, 12, 0, nullptr, nullptr), QORV_ERR_OUT_OF_MEMORY);
     EXPECT_EQ(qorv_imgb_rebirth(imgb, 16, 12, 12, 0, nullptr, nullptr), QORV_OK);
+    // What was not added is not released.
+    imgb->addref = nullptr;
+    EXPECT_EQ(qorv_imgb_rebirth(imgb, 8, 8, 12, 0, nullptr, nullptr), QORV_OK);
+    EXPECT_EQ(imgb->refcnt, 1);
     imgb->release(imgb);
 }
 

@@ -1,5 +1,6 @@
 // The list against a vector with a cursor, through random sequences of every operation.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstring>
 #include <optional>
@@ -175,6 +176,18 @@ TEST_F(ListModel, FailedAllocationsChangeNothing) {
     EXPECT_EQ(qorv_list_add_first(list_, &item), nullptr);
     EXPECT_EQ(qorv_list_insert_at(list_, &item, 1), nullptr);
     expect_same();
+}
+
+TEST(List, NodesHaveRoomForTheirItem) {
+    const char item[64] = {};
+    for (int32_t bytes = 1; bytes <= 64; bytes++) {
+        QORV_LIST *list = qorv_list_create(bytes, nullptr);
+        const char *payload = static_cast<char *>(qorv_list_add(list, item));
+        QORV_LIST_NODE *node = qorv_list_get_id(list, 0);
+        const auto header = static_cast<size_t>(payload - reinterpret_cast<char *>(node));
+        EXPECT_GE(malloc_usable_size(node), header + static_cast<size_t>(bytes));
+        qorv_list_delete(list);
+    }
 }
 
 TEST(List, DeletingNullIsAllowed) {

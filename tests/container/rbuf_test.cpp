@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "qorv_skia.h"
@@ -113,6 +114,75 @@ TEST(RingLines, HoldForEveryShapeAtEveryPosition) {
             }
         }
     }
+    qorv_rbuf_delete(ring);
+}
+
+// Whole lines arrive once each, however they are cut into puts and wherever they wrap.
+TEST(RingLines, EndingInCrLfArriveOnceEach) {
+    constexpr int kLines = 200'000;
+    test::Random random;
+    QORV_RBUF *ring = nullptr;
+    std::string line, waiting;
+    int idle = 0;
+    for (int arrived = 0; arrived < kLines;) {
+        if (arrived % 1000 == 0 && ring == nullptr) ring = qorv_rbuf_create(random.between(4, 70));
+        if (line.empty()) {
+            for (uint32_t i = random.below(static_cast<uint32_t>(ring->size - 2)); i > 0; i--) {
+                line += static_cast<char>(random.between('a', 'c'));
+            }
+            waiting = line += "\r\n";
+        }
+        const int32_t piece = random.between(0, static_cast<int32_t>(waiting.size()));
+        if (qorv_rbuf_put(ring, waiting.data(), piece) != 0) waiting.erase(0, static_cast<size_t>(piece));
+        const int32_t begin = ring->rd;
+        const auto length = static_cast<int32_t>(line.size());
+        char text[80] = {};
+        const int32_t taken = qorv_rbuf_get_one_line(ring, text, 78);
+        if (taken == 0) {
+            ASSERT_LT(++idle, 10000) << "stuck at wr " << ring->wr << ", rd " << ring->rd << " of " << ring->size;
+            continue;
+        }
+        // Where the storage ends between CR and LF, a byte after the line is counted too.
+        ASSERT_EQ(taken, length + (begin + length - 1 == ring->size ? 1 : 0)) << "line " << arrived;
+        ASSERT_EQ(std::string(text), line) << "line " << arrived;
+        ASSERT_TRUE(waiting.empty());
+        line.clear();
+        idle = 0;
+        if (++arrived % 1000 != 0) continue;
+        qorv_rbuf_delete(ring);
+        ring = nullptr;
+    }
+}
+
+// Worked out by hand, where the formulas surprise.
+TEST(RingBuffer, AnswersOddlyWithThePositionBehindTheStorage) {
+    QORV_RBUF *ring = qorv_rbuf_create(8);
+    char line[16];
+    EXPECT_EQ(qorv_rbuf_put(ring, "1234", 4), 4);
+    EXPECT_EQ(qorv_rbuf_get_free_len(ring), 5) << "one more than fits";
+    EXPECT_EQ(qorv_rbuf_get(ring, line, 4), 4);
+    EXPECT_EQ(qorv_rbuf_put(ring, "ab\r\n", 4), 4);
+    EXPECT_EQ(ring->wr, 0) << "with something read, a put that reaches the end goes to the front";
+    EXPECT_EQ(qorv_rbuf_get_one_line(ring, line, 14), 4);
+    EXPECT_STREQ(line, "ab\r\n");
+    EXPECT_EQ(std::tuple(ring->wr, ring->rd), std::tuple(0, 8));
+    EXPECT_EQ(qorv_rbuf_is_empty(ring), 0) << "nothing is left";
+    EXPECT_EQ(qorv_rbuf_get_fill_len(ring), -1);
+    EXPECT_EQ(qorv_rbuf_get_free_len(ring), 7);
+    void *tail;
+    int32_t length;
+    qorv_rbuf_get_tail(ring, &tail, &length);
+    EXPECT_EQ(std::tuple(tail, length), std::tuple(static_cast<void *>(ring->buf + 8), 0));
+    EXPECT_EQ(qorv_rbuf_put(ring, "cd", 2), 2);
+    EXPECT_EQ(qorv_rbuf_get_fill_len(ring), 1) << "one less than is held, as wherever the contents wrap";
+    EXPECT_EQ(qorv_rbuf_get(ring, line, 16), 2);
+    EXPECT_EQ(std::tuple(line[0], line[1], ring->wr, ring->rd), std::tuple('c', 'd', 2, 2));
+    EXPECT_EQ(qorv_rbuf_skip_head(ring, 9), 7) << "all but the free byte, through the wrap";
+    EXPECT_EQ(std::tuple(ring->wr, qorv_rbuf_is_full(ring)), std::tuple(1, 1));
+    EXPECT_EQ(qorv_rbuf_skip_tail(ring, 6), 6);
+    EXPECT_EQ(std::tuple(ring->rd, qorv_rbuf_get_fillc_len(ring)), std::tuple(0, 1));
+    EXPECT_EQ(qorv_rbuf_skip_head(ring, 9), 6) << "not moved while the read position is 0";
+    EXPECT_EQ(ring->wr, 1);
     qorv_rbuf_delete(ring);
 }
 

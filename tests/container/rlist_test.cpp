@@ -63,6 +63,10 @@ TEST_P(Pool, CirculatesFirstInFirstOut) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, Pool, testing::Values(-3, 0, 1, 2, 3, 17));
 
+TEST(RecyclingList, DeletingNullIsAllowed) {
+    qorv_rlist_delete(nullptr);
+}
+
 TEST(RecyclingList, HandsOutNeverUsedBuffersBeforeReturnedOnes) {
     QORV_RLIST *rlist = qorv_rlist_create(4, 3);
     void *a = qorv_rlist_get_buf(rlist);

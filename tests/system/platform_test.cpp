@@ -8,8 +8,10 @@
 
 #include <cstring>
 #include <fstream>
+#include <vector>
 
 #include "qorv_skia.h"
+#include "support/guarded_buffer.h"
 
 namespace {
 
@@ -23,11 +25,11 @@ TEST(TempPath, IsTmpWithItsLength) {
 }
 
 TEST(MacAddress, IsZeroWithoutAnInterface) {
-    uint8_t addr[8];
+    test::GuardedBuffer addr(8);
     for (int32_t index : {-1, 987654321}) {
-        memset(addr, 0xEE, sizeof addr);
-        EXPECT_EQ(qorv_get_mac_addr(index, addr), QORV_ERR);
-        EXPECT_EQ(std::string(addr, addr + 8), std::string(8, '\0'));
+        addr.fill(0xEE);
+        EXPECT_EQ(qorv_get_mac_addr(index, addr.data()), QORV_ERR);
+        EXPECT_EQ(addr.bytes(), std::vector<uint8_t>(8, 0));
     }
 }
 

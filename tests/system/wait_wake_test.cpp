@@ -1,4 +1,7 @@
+#include <errno.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -7,6 +10,7 @@
 #include <vector>
 
 #include "qorv_skia.h"
+#include "support/guarded_buffer.h"
 #include "support/random.h"
 
 namespace {
@@ -70,6 +74,45 @@ TEST_F(WaitWake, WakesEveryWaiterWithItsOwnAnswer) {
         for (size_t i = 4; i < 8; i++) waiters[i].join();
         EXPECT_EQ(results, (std::vector<int32_t>{0, 0, 0, 0, -1, -1, -1, -1}));
     }
+}
+
+// Whoever changes the word, and however: a waiter that sleeps for longer than any wait of the processor's own ends.
+TEST_F(WaitWake, EndsAfterAPlainStoreAndLeavesErrnoAlone) {
+    int32_t word = 0;
+    int seen = 0;
+    std::thread waiter([&] {
+        errno = EDOM;
+        qorv_sync_wait(&word, 1);
+        seen = errno;
+    });
+    pause_for(20000);
+    __atomic_store_n(&word, 1, __ATOMIC_RELEASE);
+    waiter.join();
+    EXPECT_EQ(seen, EDOM);
+}
+
+TEST_F(WaitWake, ReachesAnotherProcessThroughSharedMemory) {
+    void *shared = mmap(nullptr, sizeof(int32_t), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    int32_t *word = static_cast<int32_t *>(shared);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(120);
+        _exit(qorv_sync_wait(word, 3) == 0 ? 0 : 1);
+    }
+    pause_for(20000);
+    qorv_sync_wake(word, 3);
+    int status = 1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    munmap(shared, sizeof(int32_t));
+}
+
+TEST_F(WaitWake, StoresNothingWhenTheValueIsThere) {
+    test::GuardedBuffer page(sizeof(int32_t));
+    *page.as<int32_t>() = 6;
+    page.make_read_only();
+    EXPECT_EQ(qorv_sync_wake(page.as<int32_t>(), 6), 0);
 }
 
 #if !defined(__aarch64__)  // there the processor sleeps, which no clock of the system shows
