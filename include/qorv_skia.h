@@ -55,7 +55,7 @@ QORV_API const char *qorv_version(void);
 enum QORV_STATUS {
     /** Success. */
     QORV_OK = 0,
-    /** Generic failure: nothing left to read, no room to write, not parsable. */
+    /** Generic failure: nothing left to read, no room to write, not parsable, no hardware address. */
     QORV_ERR = -1,
     /** The bit reader's refill failed inside an Exp-Golomb code. */
     QORV_ERR_BSR_REFILL = -2,
@@ -65,11 +65,11 @@ enum QORV_STATUS {
     QORV_ERR_IRSZ_NOMEM = -3,
     /** Resizer pixel format not supported. */
     QORV_ERR_UNSUPPORTED_FMT = -4,
-    /** A control record could not be allocated, or a block is too small. */
+    /** A control record or the copy of owned bytes could not be allocated, or a block is too small. */
     QORV_ERR_OUT_OF_MEMORY = -102,
     /** Null record, no bytes to copy, or an allocator without its release. */
     QORV_ERR_INVALID_ARG = -105,
-    /** The sample-memory allocator returned null. */
+    /** The sample-memory allocator returned null, or the sizes asked for do not fit their fields. */
     QORV_ERR_ALLOC_FAILED = -203,
     /** The bitstream buffer's allocator returned null. */
     QORV_ERR_BITB_ALLOC_FAILED = -204,
@@ -84,8 +84,8 @@ enum QORV_STATUS {
 
 /**
  * Allocates a block that starts on a 32-byte boundary.
- * @param size  bytes, 0 to 2^31 - 1. Not checked: -40 to -1 give a block too small for the address before it, which
- *              damages the heap; lower values give null.
+ * @param size  bytes, 0 to 2^31 - 1. Not checked: -40 to -9 give a block too small for the address before it, which
+ *              damages the heap; -8 to -1 give a block of no bytes, lower values null.
  * @return the block, or null when the system has no memory. Freed with qorv_mfree_align32(). The 8 bytes before the
  *         block hold the system allocator's address and must not be written.
  */
@@ -251,10 +251,11 @@ QORV_API void qorv_mcpy_blk_16(void *dst, const void *src, int32_t dst_stride, i
                                int32_t height);
 
 /**
- * Waits, without a time limit, until a word that threads of this process share holds a value or -1. What was written
+ * Waits, without a time limit, until a word that threads or processes share holds a value or -1. What was written
  * before the qorv_sync_wake() that published the value is visible afterwards. A value that another one replaces before
  * the waiter has looked is missed. On AArch64 the waiter sleeps in the processor's event wait; elsewhere it spins for
- * some microseconds and then sleeps in the kernel, where only qorv_sync_wake() reaches it, a plain store need not.
+ * some microseconds and then sleeps in the kernel, for 5 ms at a time: a plain store to the word, or a wake by another
+ * process or another copy of the library, ends the wait no later than that. errno stays as it is.
  * @param word   shared word, 4-byte aligned.
  * @param value  value to wait for.
  * @return 0 when the word holds the value, -1 when it holds -1, which comes first and means that waiting is abandoned.
@@ -262,7 +263,8 @@ QORV_API void qorv_mcpy_blk_16(void *dst, const void *src, int32_t dst_stride, i
 QORV_API int32_t qorv_sync_wait(const int32_t *word, int32_t value);
 
 /**
- * Publishes a value in a word and wakes every thread that waits on it.
+ * Publishes a value in a word and wakes every thread that waits on it. When the word holds the value already nothing is
+ * stored, so that it may then lie in read-only memory.
  * @param word   shared word, 4-byte aligned.
  * @param value  value to store; -1 releases every waiter with the result -1.
  * @return 0.
@@ -411,7 +413,8 @@ struct QORV_IMGB {
     int32_t e[4];
     /** First visible sample of each plane. */
     void *a[4];
-    /** The same four positions in the auxiliary address space. */
+    /** The same four positions in the auxiliary address space. Where the block's auxiliary address is 0, as with the
+     *  default allocator, [0] is 0, without the shift by the padding that the other planes have. */
     uint64_t pa[4];
     /** Zero after create, never touched by the library; kept across rebirth. */
     uint8_t opaque[80];
@@ -439,8 +442,8 @@ struct QORV_IMGB {
  * take 2 (100 to 299), 4 (300 to 399), 3 (400 to 499) or 4 (500 to 599) bytes a pixel; identifiers from 600 on are
  * refused.
  *
- * @param w       width in pixels, not checked.
- * @param h       height in rows, not checked.
+ * @param w       width in pixels.
+ * @param h       height in rows.
  * @param cs      colour space, 10 to 599.
  * @param opt     QORV_IMGB_OPT_* flags; other bits are ignored.
  * @param align   null, or four alignment words (#QORV_IMGB_WORD): horizontal alignment in elements, vertical in rows,
@@ -450,9 +453,10 @@ struct QORV_IMGB {
  * @param alloc   sample-memory allocator, or null for qorv_malloc_align32() (free is then ignored).
  * @param free    its release function.
  * @param status  null, or receives #QORV_OK, #QORV_ERR_INVALID_ARG (alloc without free), #QORV_ERR_OUT_OF_MEMORY (the
- *                record), #QORV_ERR_UNSUPPORTED_CS or #QORV_ERR_ALLOC_FAILED (the block).
- * @return the picture, or null with nothing leaked. The sum of stride x rows must stay below 2^32 bytes; from 2^31 on
- *         the default allocator fails.
+ *                record), #QORV_ERR_UNSUPPORTED_CS or #QORV_ERR_ALLOC_FAILED (the block; or the sizes do not fit: the
+ *                sum of stride x rows is 2^32 bytes or more, or a stride or a number of rows is above 2^31 - 1, as that
+ *                of a negative w or h is).
+ * @return the picture, or null with nothing leaked. From 2^31 bytes on the default allocator fails.
  */
 QORV_API QORV_IMGB *qorv_imgb_create(int32_t w, int32_t h, uint32_t cs, uint32_t opt, const uint32_t *align,
                                      const uint32_t *pad, qorv_alloc_fn alloc, qorv_free_fn free, int32_t *status);
@@ -468,8 +472,8 @@ QORV_API QORV_IMGB *qorv_imgb_create(int32_t w, int32_t h, uint32_t cs, uint32_t
  * @param imgb             the picture.
  * @param opt              QORV_IMGB_OPT_* flags; 0 does nothing, other bits are ignored.
  * @param plane_count      planes, 1 to 4.
- * @param widths           of the planes, in elements.
- * @param heights          of the planes, in rows.
+ * @param widths           of the planes, in elements; not used for packed RGB, whose size is the record's w and h.
+ * @param heights          of the planes, in rows; not used for packed RGB.
  * @param aligned_widths   of the planes, in elements.
  * @param aligned_heights  of the planes, in rows.
  * @param pad              padding words of the planes; null stands for no padding.
@@ -491,8 +495,9 @@ QORV_API int32_t qorv_imgb_option(QORV_IMGB *imgb, uint32_t opt, uint32_t plane_
  * @param opt    QORV_IMGB_OPT_* flags. Without a padding array none of them is applied, the alignment flag included.
  * @param align  null, or four alignment words.
  * @param pad    null, or four padding words.
- * @return #QORV_OK; or, with no field changed, #QORV_ERR_UNSUPPORTED_CS, #QORV_ERR_INVALID_ARG for a null picture, or
- *         #QORV_ERR_OUT_OF_MEMORY when the block is too small for the new layout.
+ * @return #QORV_OK; or, with no field changed, #QORV_ERR_UNSUPPORTED_CS, #QORV_ERR_ALLOC_FAILED for sizes that do not
+ *         fit (see qorv_imgb_create()), #QORV_ERR_INVALID_ARG for a null picture, or #QORV_ERR_OUT_OF_MEMORY when the
+ *         block is too small for the new layout.
  */
 QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32_t cs, uint32_t opt,
                                    const uint32_t *align, const uint32_t *pad);
@@ -506,13 +511,16 @@ QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32
  * Fills the padding round every plane: each row's first sample to its left, its last sample to its right, then the
  * first and the last row, margins included, upwards and downwards.
  *
- * The planes' sizes follow from the aligned picture, aw x ah: where chroma planes were given a finer alignment than
- * luma, their rows reach beyond their storage, so give all planes one alignment word. Odd ends:
+ * The planes' sizes follow from the aligned picture, aw x ah: with 4:2:0 a chroma plane counts as half(aw) x half(ah).
+ * Where a finer alignment than luma's made the plane itself smaller than that, each row's right margin reaches by the
+ * difference into the next row's storage, and the margin below by the difference in rows beyond the plane's; of the last
+ * plane both may end past the block. One alignment word for all planes avoids it. Odd ends:
  * - With unequal halves of a padding word the left run begins `vertical` samples left of the row and is `horizontal`
  *   samples long, so it ends inside the row when the horizontal half is the larger one, and leaves a gap when it is the
  *   smaller one.
- * - The chroma plane of #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, so its pairs are not
- *   kept together.
+ * - The chroma plane of #QORV_CS_NV12 and #QORV_CS_NV21 is treated as half(aw) single bytes a row, half of what a row
+ *   has: the right margin is written over the visible pairs of its right half, and pairs are not kept together. Expand
+ *   no picture of these layouts that is still to be shown.
  * - The copies up and down are a whole stride long. Where they begin inside the reserved margin (in semi-planar chroma,
  *   and with less horizontal padding than was reserved) each runs into the left margin of the row after it, after the
  *   last row into what follows in the block; the block's end is kept.
@@ -660,9 +668,8 @@ typedef struct QORV_VDATA {
  * @param alloc     allocator, or null for qorv_malloc_align32() (free is then ignored).
  * @param free      its release function; taken as given, so it must not be null beside an allocator.
  * @param status    null, or receives #QORV_OK, #QORV_ERR_OUT_OF_MEMORY (the record) or #QORV_ERR_ALLOC_FAILED (a
- *                  channel's memory).
- * @return the buffer, or null with nothing leaked. The bytes of one buffer must stay below 2^32; from 2^31 on the
- *         default allocator fails.
+ *                  channel's memory; or one buffer would take 2^32 bytes or more).
+ * @return the buffer, or null with nothing leaked. From 2^31 bytes a buffer on the default allocator fails.
  */
 QORV_API QORV_AUDB *qorv_audb_create(uint32_t samples, int32_t channels, uint32_t bits, uint32_t attr, int32_t layout,
                                      uint64_t unused, qorv_alloc_fn alloc, qorv_free_fn free, int32_t *status);
@@ -720,8 +727,16 @@ QORV_API void qorv_vdata_free(QORV_VDATA *vdata);
  *  Reads a byte buffer as a stream of bits, the most significant bit of each byte first, through a 32-bit cache word
  *  that a replaceable function refills. The caller owns record and buffer; there is nothing to free.
  *
- *  Stream position in bits: 8 x (cur - beg) - leftbits. Once the data ends, reads keep failing and nothing moves.
- *  Shift counts act modulo 32 wherever a debt (negative leftbits) leads outside 0 to 31.
+ *  Stream position in bits: 8 x (cur - beg) - leftbits. A refill that fails at the end of the data empties the cache;
+ *  from then on `cur` stays and every read that needs a refill fails.
+ *
+ *  leftbits may become negative, a debt: by a read or a skip across the end of the data, as many bits as were missing,
+ *  and by qorv_bsr_read_un() and qorv_bsr_read_tu(), whose counts end with the cache word. The next refill pays it: a
+ *  read of n bits then takes the bits of the debt and n more from the new word, and gives them all. Until then
+ *  qorv_bsr_read1() refills nothing, as it looks for leftbits 0 alone: after a read of 12 bits of a single byte it gives
+ *  0 for ever, and each call moves the position. Look at leftbits or the position where the data may have ended. After a
+ *  unary code that took a whole word the cache may also hold ones below the bits that count, which show in the next
+ *  value alone. Shift counts act modulo 32 wherever a debt leads outside 0 to 31.
  *  @{ */
 
 typedef struct QORV_BSR QORV_BSR;
@@ -776,7 +791,8 @@ QORV_API int32_t qorv_bsr_flush(QORV_BSR *bsr, int32_t count);
 /**
  * Drops bits. Returns early, with an empty cache, when a refill is needed and fails.
  * @param bsr  the reader.
- * @param n    bits, 1 to 32. When the refill brings fewer than are needed, leftbits becomes negative by the shortfall.
+ * @param n    bits, 1 to 32. When the refill brings fewer than are needed, leftbits becomes negative by the shortfall
+ *             (when a whole word was to be dropped of the refill, the cache is just empty).
  */
 QORV_API void qorv_bsr_skip(QORV_BSR *bsr, int32_t n);
 
@@ -839,7 +855,8 @@ QORV_API uint32_t qorv_bsr_read_align8(QORV_BSR *bsr, uint32_t *count);
  * Reads an unsigned Exp-Golomb code, ue(v) of ITU-T H.264 and H.265: z zeros, a one and z bits b stand for 2^z - 1 + b.
  * @param bsr  the reader.
  * @return 0 to 65534; larger code numbers are not supported and give an unspecified value. 0xFFFFFFFE
- *         (#QORV_ERR_BSR_REFILL) when the data ends inside the code.
+ *         (#QORV_ERR_BSR_REFILL) when the data ends inside the code and no byte is left to refill with. Where the last
+ *         refill still brings a part of the code, its missing bits read as 0 and leave a debt, as those of a field.
  */
 QORV_API uint32_t qorv_bsr_read_ue(QORV_BSR *bsr);
 
@@ -864,7 +881,8 @@ QORV_API uint32_t qorv_bsr_read_te(QORV_BSR *bsr, int32_t max);
  *
  * The count ends with the cache word. When the cached bits (1 to 31 of them) are all ones the result is their number
  * and leftbits becomes -1, whatever follows: the next operation that refills drops the first bit of the new word. A
- * full cache of 32 bits that begins with a one is taken for 32 ones, unseen.
+ * full cache of 32 bits that begins with a one is taken for 32 ones, unseen. The ones of a new word are counted to its
+ * end as well: 31 of them and a zero, or 32, leave ones in the cache and leftbits 0 or -1.
  * @param bsr  the reader.
  * @return the number of ones. The end of the data is not reported: the ones counted so far.
  */
@@ -875,7 +893,7 @@ QORV_API uint32_t qorv_bsr_read_un(QORV_BSR *bsr);
  * as in qorv_bsr_read_un(). Exactly max ones followed by a zero consume the zero too; when more ones follow in the
  * cache, max bits are consumed.
  * @param bsr  the reader.
- * @param max  largest value that can occur.
+ * @param max  largest value that can occur. 0 consumes a bit if it is a zero and is in the cache, and nothing otherwise.
  * @return the number of ones, at most max.
  */
 QORV_API uint32_t qorv_bsr_read_tu(QORV_BSR *bsr, int32_t max);
@@ -1100,8 +1118,9 @@ QORV_API void qorv_csc_yuv444_to_rgba8888(const void *const *src, int32_t src_w,
 
 /**
  *  Planes Y, U, V to interleaved bytes without blue. Writes red through dst[1], green through dst[2] and 255 through
- *  dst[3], 4 bytes a pixel. There is no blue; dst[0] and its stride are not read, and the byte below is left as it was.
- *  For a picture with all four channels use the source with alpha, qorv_csc_yuv444a8_to_argb8888().
+ *  dst[3], 4 bytes a pixel. There is no blue; dst[0] and its stride are not read, and the byte there is left as it was.
+ *  With the pointers A, R, G, B of other converters that is the alpha byte, and the blue one becomes 255. For a picture
+ *  with all four channels use the source with alpha, qorv_csc_yuv444a8_to_argb8888().
  *  @copydetails qorv_csc_fn */
 QORV_API void qorv_csc_yuv444_to_argb8888(const void *const *src, int32_t src_w, int32_t src_h,
                                           const int32_t *src_stride, uint64_t unused, void *const *dst, int32_t dst_w,
@@ -2483,7 +2502,7 @@ QORV_API QORV_RLIST *qorv_rlist_create(int32_t isize, int32_t count);
 
 /**
  * Frees a pool and all its buffers, used ones included.
- * @param rlist  the pool, not null.
+ * @param rlist  the pool; null is ignored.
  */
 QORV_API void qorv_rlist_delete(QORV_RLIST *rlist);
 
@@ -2537,10 +2556,12 @@ QORV_API int32_t qorv_rlist_get_free_cnt(const QORV_RLIST *rlist);
  * A ring of bytes. Made by qorv_rbuf_create(). One byte stays free: the ring is empty when wr = rd and full when
  * wr = (rd + size - 1) mod size.
  *
- * The positions are defined by the formulas of each function, and two of them leave 0 to size - 1: a put or a direct
- * write that exactly fills the storage while rd is 0 leaves wr at size, and taking a line may move rd one past wr or
- * past the storage, after which one length or result may be -1. A caller who never holds more than size - 1 bytes and
- * ends every line with CR LF meets neither.
+ * The positions are defined by the formulas of each function, and two of them leave 0 to size - 1. A put that exactly
+ * fills the storage while rd is 0 leaves wr at size; a caller who never holds more than size - 1 bytes does not meet it.
+ * Taking a line moves rd to size when the line ends with the storage: until the next put or get, an empty ring (wr 0)
+ * then has qorv_rbuf_is_empty() 0, qorv_rbuf_get_fill_len() -1 and a region of length 0 from qorv_rbuf_get_tail(). Lines
+ * that end in CR LF arrive whole and once all the same. After a line that ends in LF alone rd may also lie one past wr
+ * or one past size, after which one length or result may be -1.
  */
 typedef struct QORV_RBUF {
     /** Write position. */
@@ -2601,8 +2622,8 @@ QORV_API int32_t qorv_rbuf_get(QORV_RBUF *rbuf, void *dest, int32_t n);
  * - a dsize of at most t, the bytes from rd to the end of the storage, does not limit the line: up to t bytes are
  * looked at, and nothing beyond them;
  * - a zero byte before the end of the storage is passed over, as are the bytes between it and the end;
- * - a CR as the last byte of the storage and an LF as its first one end the line with length t + 2, although the text
- * is t + 1 bytes long, a byte that is left as it was follows it, and the zero byte comes after that one.
+ * - a CR as the last byte of the storage and an LF, held, as its first one end the line with length t + 2, although the
+ * text is t + 1 bytes long, a byte that is left as it was follows it, and the zero byte comes after that one.
  * @param rbuf   the ring.
  * @param dest   receives the line. Room for the larger of dsize and the ring's size, and 2 bytes more: a rewritten
  *               ending and the zero byte may reach index dsize + 1.
@@ -2649,7 +2670,7 @@ QORV_API int32_t qorv_rbuf_skip_tail(QORV_RBUF *rbuf, int32_t n);
 
 /**
  * The free bytes, by formula: rd - wr - 1 when rd > wr, else rd - wr + size + 1. The latter is 2 more than a put
- * accepts (an empty ring reports size + 1).
+ * accepts, 1 more while rd is 0 (an empty ring reports size + 1).
  * @param rbuf  the ring.
  * @return the formula's value.
  */
@@ -2800,7 +2821,8 @@ QORV_API int32_t qorv_str_conv_uri2a(const char *src, char *dst);
  * Odd ends, kept because callers rely on the outputs as they are:
  * - A CR or LF before any "://" ends the scheme, and the rest begins after it.
  * - The first ":" or CR or LF of the rest that has text after it separates host and port: a colon in the path does, and
- *   so does the CR of a CR LF that ends the URI (the port is then empty, which fails).
+ *   so does the CR of a CR LF that ends the URI. The port is then empty, which fails: "rtsp://srv/x/y" CR LF gives -1,
+ *   with "srv/x/y" for the host.
  * - With a port, the path's length is that of the text from "/" to the end of the line, but its bytes are those of the
  *   next line, at most up to that one's end of string; without a next line the path is empty.
  * - A CR without LF in the path's text leaves the path empty, and so does no text after the "/".
@@ -2963,7 +2985,8 @@ QORV_API int32_t qorv_fcc2mt(uint32_t tag);
  * - H.264: the first slice NAL unit (type 1 or 5) decides; it is one of type 5. HEVC: the first NAL unit of all
  * decides; types 19 and 20 are key frames, so a frame that begins with a parameter set is none. Both with Annex B start
  * codes.
- * - MPEG-4 part 2: the first VOP or short header decides. H.263: the first picture header.
+ * - MPEG-4 part 2: the first VOP or short header decides, but for short headers with an extended picture type, which
+ * are passed over. H.263: the first picture header.
  * - WMV1, WMV2, DIV3: the first one or two bits of the frame. HFYU: always. Any other id: never.
  *
  * @param id    media type, QORV_MT_VID_*.
