@@ -513,8 +513,8 @@ QORV_API int32_t qorv_imgb_rebirth(QORV_IMGB *imgb, int32_t w, int32_t h, uint32
  *
  * The planes' sizes follow from the aligned picture, aw x ah: with 4:2:0 a chroma plane counts as half(aw) x half(ah).
  * Where a finer alignment than luma's made the plane itself smaller than that, each row's right margin reaches by the
- * difference into the next row's storage, and the margin below by the difference in rows beyond the plane's; of the last
- * plane both may end past the block. One alignment word for all planes avoids it. Odd ends:
+ * difference into the next row's storage, and the margin below by the difference in rows beyond the plane's; of the
+ * last plane both may end past the block. One alignment word for all planes avoids it. Odd ends:
  * - With unequal halves of a padding word the left run begins `vertical` samples left of the row and is `horizontal`
  *   samples long, so it ends inside the row when the horizontal half is the larger one, and leaves a gap when it is the
  *   smaller one.
@@ -733,8 +733,8 @@ QORV_API void qorv_vdata_free(QORV_VDATA *vdata);
  *  leftbits may become negative, a debt: by a read or a skip across the end of the data, as many bits as were missing,
  *  and by qorv_bsr_read_un() and qorv_bsr_read_tu(), whose counts end with the cache word. The next refill pays it: a
  *  read of n bits then takes the bits of the debt and n more from the new word, and gives them all. Until then
- *  qorv_bsr_read1() refills nothing, as it looks for leftbits 0 alone: after a read of 12 bits of a single byte it gives
- *  0 for ever, and each call moves the position. Look at leftbits or the position where the data may have ended. After a
+ *  qorv_bsr_read1() refills nothing, as it looks for leftbits 0 alone: after a read of 12 bits of a byte it gives 0 for
+ *  ever, and each call moves the position. Look at leftbits or the position where the data may have ended. After a
  *  unary code that took a whole word the cache may also hold ones below the bits that count, which show in the next
  *  value alone. Shift counts act modulo 32 wherever a debt leads outside 0 to 31.
  *  @{ */
@@ -893,7 +893,7 @@ QORV_API uint32_t qorv_bsr_read_un(QORV_BSR *bsr);
  * as in qorv_bsr_read_un(). Exactly max ones followed by a zero consume the zero too; when more ones follow in the
  * cache, max bits are consumed.
  * @param bsr  the reader.
- * @param max  largest value that can occur. 0 consumes a bit if it is a zero and is in the cache, and nothing otherwise.
+ * @param max  largest value that can occur. 0 consumes a bit if it is a zero and is in the cache, otherwise nothing.
  * @return the number of ones, at most max.
  */
 QORV_API uint32_t qorv_bsr_read_tu(QORV_BSR *bsr, int32_t max);
@@ -2557,11 +2557,11 @@ QORV_API int32_t qorv_rlist_get_free_cnt(const QORV_RLIST *rlist);
  * wr = (rd + size - 1) mod size.
  *
  * The positions are defined by the formulas of each function, and two of them leave 0 to size - 1. A put that exactly
- * fills the storage while rd is 0 leaves wr at size; a caller who never holds more than size - 1 bytes does not meet it.
+ * fills the storage while rd is 0 leaves wr at size; who never holds more than size - 1 bytes does not meet it.
  * Taking a line moves rd to size when the line ends with the storage: until the next put or get, an empty ring (wr 0)
- * then has qorv_rbuf_is_empty() 0, qorv_rbuf_get_fill_len() -1 and a region of length 0 from qorv_rbuf_get_tail(). Lines
- * that end in CR LF arrive whole and once all the same. After a line that ends in LF alone rd may also lie one past wr
- * or one past size, after which one length or result may be -1.
+ * then has qorv_rbuf_is_empty() 0, qorv_rbuf_get_fill_len() -1 and a region of length 0 from qorv_rbuf_get_tail().
+ * Lines that end in CR LF arrive whole and once all the same. After a line that ends in LF alone rd may also lie one
+ * past wr or one past size, after which one length or result may be -1.
  */
 typedef struct QORV_RBUF {
     /** Write position. */
