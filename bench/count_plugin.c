@@ -35,7 +35,7 @@ static FILE *out;
 static bool counting, tracing;
 static uint64_t count;
 // Long calls are written down in evenly spaced chunks.
-enum { kChunk = 400, kChunks = 12, kLimit = 1 << 24 };
+enum { kChunk = 250, kChunks = 8, kLimit = 1 << 24 };
 static const struct insn **trace;
 static size_t traced, room;
 

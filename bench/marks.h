@@ -9,23 +9,25 @@ namespace marks {
 #define QORV_MARK(number) asm volatile("nopl 0xBE0000" #number "(%%rax)" ::: "memory")
 #endif
 
+[[gnu::always_inline]] inline void begin() {
+    QORV_MARK(1);
+}
+// Every instruction is written down, too.
+[[gnu::always_inline]] inline void begin_trace() {
+    QORV_MARK(2);
+}
+[[gnu::always_inline]] inline void end() {
+    QORV_MARK(0);
+}
+#undef QORV_MARK
+
 // Runs `call` once so that what it sets up at the first call is there, then counted.
 template <class Call>
 [[gnu::noinline]] void counted(const Call &call) {
     call();
-    QORV_MARK(1);
+    begin();
     call();
-    QORV_MARK(0);
+    end();
 }
-
-// The same, every instruction written down.
-template <class Call>
-[[gnu::noinline]] void traced(const Call &call) {
-    call();
-    QORV_MARK(2);
-    call();
-    QORV_MARK(0);
-}
-#undef QORV_MARK
 
 }  // namespace marks

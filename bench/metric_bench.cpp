@@ -1,8 +1,8 @@
 // Block metrics: 64 calls an iteration, block A staying where it is, block B moving about as in a motion search.
 #include <string>
 
-#include "compare.h"
 #include "metric/member_list.h"
+#include "metric_cases.h"
 #include "qorv_skia.h"
 
 #ifdef QORV_BENCH_AVUTIL
@@ -55,74 +55,7 @@ X264_WORD_KERNELS(X264_WORD)
 
 namespace {
 
-constexpr int kStride = 1984;  // samples, as of a padded picture 1920 wide
-constexpr int kRows = 96;
-constexpr int kCalls = 64;
-
-// Content of 8 bits, or of 10 in words.
-template <class T>
-struct Planes {
-    Planes() : a_(bench::noise(kStride * kRows * sizeof(T) + 64, 1)), b_(bench::noise(a_.size(), 2)) {
-        if constexpr (sizeof(T) == 2) {
-            for (auto *plane : {&a_, &b_}) {
-                for (size_t i = 1; i < plane->size(); i += 2) (*plane)[i] &= 3;
-            }
-        }
-    }
-    const T *a() const { return aligned(a_); }
-    const T *b() const { return aligned(b_); }
-
-private:
-    static const T *aligned(const std::vector<uint8_t> &plane) {
-        const auto address = reinterpret_cast<uintptr_t>(plane.data());
-        return reinterpret_cast<const T *>(plane.data() + (64 - address % 64) % 64);
-    }
-    std::vector<uint8_t> a_, b_;
-};
-
-template <class T>
-const Planes<T> &planes() {
-    static const Planes<T> instance;
-    return instance;
-}
-
-// Where block B is in each call: 16 columns by 4 rows of positions, or one column where a peer wants alignment.
-template <class T>
-std::vector<const T *> positions(bool same_column) {
-    std::vector<const T *> all;
-    for (int i = 0; i < kCalls; i++) {
-        all.push_back(planes<T>().b() + (same_column ? i % 32 * kStride : i % 16 + i / 16 * kStride));
-    }
-    return all;
-}
-
-// Everyone is called as an encoder does it, through a pointer in a table.
-template <class F>
-F *in_table(F *function) {
-    asm("" : "+r"(function));
-    return function;
-}
-
-// `call(a, b)` returns a cost.
-template <class A, class B, class Call>
-void add_cost(const std::string &name, const char *who, Call call) {
-    const bool same_column = name.rfind("ssd", 0) == 0;
-    bench::add("metric/" + name, who, [call, a = planes<A>().a(), all = positions<B>(same_column)] {
-        const auto local = call;
-        uint32_t sum = 0;
-        for (const B *b : all) sum += static_cast<uint32_t>(local(a, b));
-        benchmark::DoNotOptimize(sum);
-    });
-}
-
-template <class A, class B, class Call>
-void add_diff(const std::string &name, const char *who, Call call) {
-    bench::add("metric/" + name, who, [call, a = planes<A>().a(), all = positions<B>(false)] {
-        alignas(64) static int16_t out[64 * 64];
-        const auto local = call;
-        for (const B *b : all) local(a, b, out);
-    });
-}
+using namespace bench::metric;
 
 void add_ours() {
 #define QORV_COST(kind, w, h, suffix, A, B)                                                                        \

@@ -10,7 +10,7 @@ LOWEST, HIGHEST = 0.01, 8
 # On a card of its own, so that it reads the same on light and dark pages.
 STYLE = """\
 text{font:12px sans-serif;fill:#1f2328}
-.head{font-weight:bold}.plain{font-weight:normal}.small{font-size:11px;fill:#59636e}
+.head{font-weight:bold}.section{font-size:15px;font-weight:bold}.plain{font-weight:normal}.small{font-size:11px;fill:#59636e}
 .card{fill:#f6f8fa;stroke:#d1d9e0}.grid{stroke:#d1d9e0}.one{stroke:#1f2328;stroke-width:1.5}.range{stroke:#59636e}
 .fast0{fill:#1a7f64}.fast1{fill:#5fc2a5}.slow0{fill:#bc4c00}.slow1{fill:#f0a15e}"""
 
@@ -58,7 +58,7 @@ def rows(group, compilers, y):
 
 
 def legend(compilers):
-    parts = [f'<text x="16" y="26" class="head">Our time by that of the best peer ({" / ".join(compilers)})</text>']
+    parts = [f'<text x="16" y="26" class="head">Our time or cycles by those of the best peer ({" / ".join(compilers)})</text>']
     x = 16
     for index, compiler in enumerate(compilers):
         for kind, word in (("fast", "faster"), ("slow", "slower")):
@@ -69,17 +69,21 @@ def legend(compilers):
     return parts
 
 
-def chart(groups, compilers):
+def chart(sections, compilers):
+    """Sections of (title, groups), groups of (title, peers, members)."""
     y = top = 84
     body = []
-    for title, peers, group in groups:
-        if not group:
-            continue
-        body.append(f'<text class="head" x="16" y="{y + 14}">{escape(title)}'
-                    f'<tspan class="small plain" dx="6">{escape(", ".join(peers))}</tspan></text>')
-        y, drawn = rows(group, compilers, y + HEAD - 4)
-        body += drawn
-        y += 8
+    for section, groups in sections:
+        body.append(f'<text class="section" x="16" y="{y + 18}">{escape(section)}</text>')
+        y += 30
+        for title, peers, group in groups:
+            if not group:
+                continue
+            body.append(f'<text class="head" x="16" y="{y + 14}">{escape(title)}'
+                        f'<tspan class="small plain" dx="6">{escape(", ".join(peers))}</tspan></text>')
+            y, drawn = rows(group, compilers, y + HEAD - 4)
+            body += drawn
+            y += 8
     grid = []
     for tick in (0.01, 0.02, 0.05, 0.1, 0.2, 0.5, 1, 2, 5):
         x = f"{place(tick):.1f}"

@@ -1,5 +1,5 @@
-"""Writes benchmarks.md and benchmarks.svg from the raw results of `scripts/bench --report`, without running anything:
-bench_report.py RESULTS-FOLDER GOALS.txt OUT-FOLDER"""
+"""Writes docs/benchmarks.md, docs/benchmarks.svg and the claims in README.md from the raw results of
+`scripts/bench --report`, without running anything: bench_report.py RESULTS-FOLDER"""
 
 import json
 import math
@@ -8,8 +8,11 @@ import re
 import sys
 from dataclasses import dataclass, field
 
+import bench_aarch64
 import bench_chart
-from bench_results import ratios, read_goals, read_results
+import cliffs
+from bench_results import (destination_pixels, first_number, geometric_mean, ratio_text, ratios, read_goals, read_reasons,
+                           read_results, table)
 
 COMPILERS = ("g++", "clang")
 
@@ -24,16 +27,8 @@ class Family:
     calls: int = 1  # in one iteration of the benchmark
     quantity: str = ""  # "pixel" or "byte": what the throughput counts
     amount: object = None  # of it in a case, from the label
+    chart: bool = True  # its peers do the same work
     cases: dict = field(default_factory=dict)  # label: {compiler: {who: ns}}
-
-
-def destination_pixels(label):
-    w, h = re.findall(r"(\d+)x(\d+)", label)[-1]
-    return int(w) * int(h)
-
-
-def first_number(factor):
-    return lambda label: factor * int(re.search(r"/(\d+)", label).group(1))
 
 
 def md5_bytes(label):
@@ -64,7 +59,7 @@ def families():
                "that an exported function can do to a reader.", 1 << 16),
         Family("Key frames", r"key_frame/(.*)",
                "Data without a start code, so that all of it is scanned; the peer only copies it.", 1, "byte",
-               lambda label: 1 << 20),
+               lambda label: 1 << 20, chart=False),
         Family("MD5", r"md5/(.*)", "One message, or 256 rows of so many bytes.", 1, "byte", md5_bytes),
         Family("Fills of bytes", r"memory/(mset_.*)", "", 1, "byte", first_number(1)),
         Family("Fills of 16-bit samples", r"memory/(mset16/.*)",
@@ -76,7 +71,7 @@ def families():
         Family("Borders of 64 samples", r"border/((?!.*_bytes).*)", "OpenCV copies the picture too."),
         Family("Borders of 64 samples beside a copy", r"border/(.*)_bytes",
                "memcpy of as many bytes as the border has."),
-        Family("Wait and wake", r"sync/(.*)", "A value handed to another thread and back."),
+        Family("Wait and wake", r"sync/(.*)", "A value handed to another thread and back.", chart=False),
         Family("Containers", r"container/(.*)",
                "4000 buffers of a pool in use beside one; 100 elements added to and taken from a list."),
     ]
@@ -114,10 +109,6 @@ def time_text(ns):
             return f"{value:.{max(0, 2 - int(math.log10(max(value, 1))))}f} {unit}"
 
 
-def ratio_text(ratio):
-    return f"{ratio:.3f}" if ratio < 0.1 else f"{ratio:.2f}"
-
-
 def throughput_text(family, label, entry):
     rate = family.amount(label) / entry[COMPILERS[0]]["ours"]  # per ns
     return f"{rate * 1e3:.0f} Mpixel/s" if family.quantity == "pixel" else f"{rate:.{2 if rate < 1 else 1}f} GB/s"
@@ -129,12 +120,6 @@ def goal_texts(entry, goals):
         return "", ""
     met = [compiler for compiler in COMPILERS if best_ratio(entry, compiler) <= goal]
     return f"{goal:.3g}", {0: "short", 1: f"{met[0]} only" if met else "", 2: "met"}[len(met)]
-
-
-def table(header, rows):
-    """Markdown; every column but the first is aligned to the right."""
-    lines = ["| " + " | ".join(header) + " |", "|---" + "|--:" * (len(header) - 1) + "|"]
-    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows]) + "\n"
 
 
 def table_of_peers(family, goals):
@@ -177,10 +162,6 @@ def table_without_peers(family, columns=3):
         picked = cells[y::height]
         rows.append(sum(picked, []) + [""] * 3 * (columns - len(picked)))
     return "Without a peer:\n\n" + table(["case", *COMPILERS] * columns, rows)
-
-
-def geometric_mean(values):
-    return math.exp(sum(map(math.log, values)) / len(values))
 
 
 def summary(all_families, goals):
@@ -226,6 +207,73 @@ def size_table(sizes, goals):
     return table(["stripped shared library", *COMPILERS, "goal"], rows)
 
 
+def worst_cases(all_families):
+    """[(family, ratio, case, where)]: of all compilers."""
+    found = []
+    for family in all_families:
+        ratios_of = [(best_ratio(entry, c), entry["case"], c) for entry in family.cases.values() if peers_of(entry)
+                     for c in COMPILERS]
+        if ratios_of:
+            found.append((family.title, *max(ratios_of)))
+    return found
+
+
+def worst_table(processor, found, reasons):
+    rows = []
+    for title, ratio, case, where in found:
+        reason = next((text for pattern, text in reasons if re.fullmatch(pattern, f"{processor}/{case}")), None)
+        if reason is None and ratio > 1:
+            print(f"bench/reasons.txt has no reason for {processor}/{case}, {ratio:.2f} ({where})")
+        rows.append([title, f"`{case}`", where, ratio_text(ratio), "as fast" if ratio <= 1 else reason or ""])
+    return table(["family", "worst case", "where", "ratio", "reason"], rows).replace("|--:|--:|--:|--:|", "|---|---|--:|---|")
+
+
+CLAIMS = """\
+- **Fast**: on x86-64 (AVX2), {x86}; on AArch64 (modelled cycles, mean of three processors), {arm}. Slowest beside its
+  peers: on x86-64 {x86_worst}, on AArch64 {arm_worst}; resizing by exactly 2:1, for which the peers have a cheaper
+  operation, takes {exact} on x86-64 and {exact_arm} on AArch64. [All figures](docs/benchmarks.md), short ones included, are
+  written by `scripts/bench --report`.
+"""
+
+
+def mean_of(family):
+    return geometric_mean([best_ratio(e, c) for e in family.cases.values() if peers_of(e) for c in COMPILERS])
+
+
+def write_claims(path, x86, arm):
+    """The bullet of README.md between the marks, means over both compilers."""
+    x86_means = {f.title: mean_of(f) for f in x86 if f.chart and any(peers_of(e) for e in f.cases.values())}
+    arm_means = {title: geometric_mean([r for values in members.values() for ratios_of in values.values() for r in ratios_of])
+                 for title, _, members in bench_aarch64.chart_groups(arm, COMPILERS) if members}
+    work = (("Resizer", "resizing"), ("Scaling converters", "conversion with scaling"))
+    def told(means, converters, metrics):
+        (first, text), *others = (*work, converters, metrics)
+        parts = [f"{text} takes {means[first]:.2f} of the best peer's time"]
+        return ", ".join(parts + [f"{text} {means[title]:.2f}" for title, text in others])
+    def worst(means):
+        title = max((t for t in means if "2:1" not in t), key=means.get)
+        return f"{title[0].lower() if title[1].islower() else title[0]}{title[1:]} ({means[title]:.2f})"
+    text = CLAIMS.format(
+        x86=told(x86_means, ("Colour converters, 256x256", "conversion"), ("Block metrics, fixed sizes", "block metrics")),
+        arm=told(arm_means, ("Colour converters", "conversion"), ("SAD", "SAD")), x86_worst=worst(x86_means),
+        arm_worst=worst(arm_means), exact=f"{x86_means['Resizer at exactly 2:1']:.2f}",
+        exact_arm=f"{arm_means['Resizer at exactly 2:1']:.2f}")
+    words = text.replace("\n  ", " ").split()
+    lines = [""]
+    for word in words:
+        if len(lines[-1]) + len(word) > 118:
+            lines.append(" ")
+        lines[-1] += (" " if lines[-1] else "") + word
+    with open(path, encoding="utf-8") as file:
+        page = file.read()
+    page, replaced = re.subn(r"(<!-- speed -->\n).*?(<!-- end -->)", lambda m: m[1] + "\n".join(lines) + "\n" + m[2], page,
+                             flags=re.S)
+    if replaced != 1:
+        sys.exit(f"{path}: no place for the claims")
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(page)
+
+
 INTRODUCTION = """\
 # Benchmarks
 
@@ -235,8 +283,9 @@ the peers alike; of the repetitions the least time counts. **A ratio is our time
 faster.** The ratio to the best peer is bold, and the one that a goal is set for. Where no library does what a function
 does, the peer is a stand-in that the text names.
 
-`scripts/bench --report` writes this file. It installs the peers on Debian 12, builds with both compilers, runs
-everything (some ten minutes, best on an idle machine) and keeps the raw results in `build-release/report/`.
+`scripts/bench --report` writes this file. It installs the peers, or with `--peers new` takes Debian 13's in a folder of
+their own, builds with both compilers, runs everything (some twenty minutes, best on an idle machine) and keeps the raw
+results in `build-release/report/`. For AArch64 it counts instead of taking time, on any machine: [below](#aarch64).
 
 ![Ratios to the best peer](benchmarks.svg)
 
@@ -248,6 +297,9 @@ everything (some ten minutes, best on an idle machine) and keeps the raw results
 Mean (geometric) and range of the ratios to the best peer.
 
 {summary}
+The worst single case of each family:
+
+{worst}
 """
 
 SIZE = """\
@@ -262,24 +314,38 @@ def read_json(folder, name):
         return json.load(file)
 
 
+def chart_of(all_families, arm):
+    groups = [(f.title, peers_of_family(f), bench_chart.members(f.cases, COMPILERS, best_ratio, peers_of))
+              for f in all_families if f.chart]
+    return bench_chart.chart([("x86-64, time", groups),
+                              ("AArch64, modelled cycles of three processors", bench_aarch64.chart_groups(arm, COMPILERS))],
+                             COMPILERS)
+
+
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
 def main():
-    folder, goals_path, out = sys.argv[1:4]
-    goals = read_goals(goals_path)
+    folder = sys.argv[1]
+    goals, reasons = read_goals("bench/goals.txt"), read_reasons("bench/reasons.txt")
     results = {c: read_results(os.path.join(folder, c + ".json")) for c in COMPILERS}
     all_families = sort_into_families({c: results[c][1] for c in COMPILERS})
-    text = INTRODUCTION.format(machine=machine({c: results[c][0] for c in COMPILERS}),
-                               summary=summary(all_families, goals))
+    text = INTRODUCTION.format(machine=machine({c: results[c][0] for c in COMPILERS}), summary=summary(all_families, goals),
+                               worst=worst_table("x86-64", worst_cases(all_families), reasons))
     for family in all_families:
         parts = (f"## {family.title}\n", family.note and family.note + "\n", table_of_peers(family, goals),
                  table_without_peers(family))
         text += "\n".join(part for part in parts if part) + "\n"
+    aarch64, arm = bench_aarch64.report(read_json(folder, "aarch64.json"), COMPILERS, goals)
+    worst = worst_table("AArch64", bench_aarch64.worst_cases(arm, COMPILERS), reasons)
+    text += aarch64 + "### Worst cases\n\n" + worst + "\n"
+    text += cliffs.section(os.path.join(folder, "cliffs.txt")) + "\n"
     text += SIZE.format(sizes=size_table(read_json(folder, "sizes.json"), goals))
-    with open(os.path.join(out, "benchmarks.md"), "w", encoding="utf-8") as file:
-        file.write(text)
-    groups = [(f.title, peers_of_family(f), bench_chart.members(f.cases, COMPILERS, best_ratio, peers_of))
-              for f in all_families]
-    with open(os.path.join(out, "benchmarks.svg"), "w", encoding="utf-8") as file:
-        file.write(bench_chart.chart(groups, COMPILERS))
+    write("docs/benchmarks.md", text)
+    write("docs/benchmarks.svg", chart_of(all_families, arm))
+    write_claims("README.md", all_families, arm)
 
 
 if __name__ == "__main__":

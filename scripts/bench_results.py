@@ -1,6 +1,8 @@
-"""Reads what qorv_bench writes and the goals beside it."""
+"""Reads what qorv_bench writes and the goals beside it; what both parts of the report write numbers with."""
 
 import json
+import math
+import re
 from collections import defaultdict
 
 SCALE = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -34,3 +36,33 @@ def read_goals(path):
             if len(words) == 2:
                 goals[words[0]] = float(words[1])
     return goals
+
+
+def destination_pixels(label):
+    w, h = re.findall(r"(\d+)x(\d+)", label)[-1]
+    return int(w) * int(h)
+
+
+def first_number(factor):
+    return lambda label: factor * int(re.search(r"/(\d+)", label).group(1))
+
+
+def ratio_text(ratio):
+    return f"{ratio:.3f}" if ratio < 0.1 else f"{ratio:.2f}"
+
+
+def table(header, rows):
+    """Markdown; every column but the first is aligned to the right."""
+    lines = ["| " + " | ".join(header) + " |", "|---" + "|--:" * (len(header) - 1) + "|"]
+    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows]) + "\n"
+
+
+def geometric_mean(values):
+    return math.exp(sum(map(math.log, values)) / len(values))
+
+
+def read_reasons(path):
+    """[(pattern, reason)]: a line each, two spaces between them."""
+    with open(path, encoding="utf-8") as file:
+        lines = [line.strip() for line in file if line.strip() and not line.startswith("#")]
+    return [tuple(re.split(r"\s{2,}", line, maxsplit=1)) for line in lines]
