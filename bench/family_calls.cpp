@@ -315,10 +315,10 @@ void add_blocks(std::vector<Fixed> &list) {
     list.push_back({"hadamard4x4", [=] { qorv_hadamard4x4(words(g_words)); }});
     list.push_back({"hadamard4x4 full range", [=] { qorv_hadamard4x4(words(g_source)); }});
     for (const int width : {2, 4, 6, 8, 12, 16, 24, 32, 48, 64}) {
-        const std::string size = " " + std::to_string(width) + "x16";
-        list.push_back({"mcpy_blk" + size,
+        const std::string size = std::to_string(width) + "x16";
+        list.push_back({"mcpy_blk " + size,
                         [=] { qorv_mcpy_blk(g_destination.bytes[0], g_source.bytes[0], 320, 320, width, 16); }});
-        list.push_back({"mcpy_blk_16" + size,
+        list.push_back({"mcpy_blk_16 " + size,
                         [=] { qorv_mcpy_blk_16(g_destination.bytes[0], g_source.bytes[0], 320, 320, width, 16); }});
     }
 }
