@@ -3,7 +3,7 @@
 packages_build="g++ cmake ninja-build pkg-config googletest libgmock-dev libpng-dev libcli11-dev ffmpeg python3"
 packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg-dev libx264-dev libssl-dev
   libopencv-core-dev libopencv-imgproc-dev"
-packages_android="clang-19 lld-19 libclang-rt-19-dev musl-dev linux-libc-dev"
+packages_android="clang-19 lld-19 llvm-19 libclang-rt-19-dev musl-dev linux-libc-dev"
 # What the tests need beside the build, in the quick check too.
 packages_test="gcc python3-cffi python3-numpy"
 packages_check="$packages_test clang-19 lld-19 llvm-19 libclang-rt-19-dev binutils util-linux
