@@ -98,5 +98,11 @@ assert "352x288" in qorv("compare", "clip.y4m", "small.y4m", status=1)
 assert "C444" in qorv("compare", "clip.y4m", "444.y4m", status=1)
 assert "short.y4m ends after 5 frames" in qorv("compare", "--json", "clip.y4m", "short.y4m", status=1)
 assert "at byte" in qorv("compare", "-", "clip.y4m", stdin=clip[:-1], status=1)
+for threads in ("1", "5"):
+    assert qorv("compare", "clip.y4m", "decoded.y4m", "--threads", threads) == qorv("compare", "clip.y4m", "decoded.y4m")
+for name in ("clip", "decoded"):
+    ffmpeg("-i", name + ".y4m", "-f", "rawvideo", name + ".yuv")
+assert qorv("compare", "clip.yuv", "decoded.yuv", "--raw", "352x288", "--pix", "yuv420p") == (
+    qorv("compare", "clip.y4m", "decoded.y4m"))
 qorv("compare", "-", "-", stdin=clip, status=2)
 qorv("compare", "clip.y4m", status=2)

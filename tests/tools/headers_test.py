@@ -1,5 +1,7 @@
 """qorv headers on byte streams that FFmpeg's encoders made."""
+import json
 import re
+import shutil
 
 from program import ffmpeg, ffprobe, qorv, survives_damage
 
@@ -38,10 +40,11 @@ def check(name, size, pixel_format, options, hevc):
     ffmpeg("-f", "lavfi", "-i", f"testsrc2=size={size}:rate=25", "-frames:v", "8", "-pix_fmt", pixel_format, *options,
            name)
     lines = qorv("headers", name)
+    units_of_json = json.loads("\n".join(qorv("headers", "--json", name)))["units"]
     with open(name, "rb") as file:
         data = file.read()
     listed = [tuple(map(int, line.split(", ")[:2])) for line in lines if re.match(r"\d+, ", line)]
-    assert listed == units(data), (name, listed)
+    assert listed == units(data) == [(unit["offset"], unit["bytes"]) for unit in units_of_json], (name, listed)
     types = [data[at] >> 1 & 63 if hevc else data[at] & 31 for at, _ in listed]
     for kind in set(types):
         assert any(line.startswith(f"{types.count(kind)} of type {kind} (") for line in lines), (name, kind)
@@ -62,16 +65,20 @@ def check(name, size, pixel_format, options, hevc):
     if not hevc:
         expected += f"{4 if '-refs' in options else 1} reference frames, frames {'and fields' if interlaced else 'only'}"
     assert headers[0].startswith(expected), (name, headers[0], expected)
+    sequence = next(unit["sequence"] for unit in units_of_json if "sequence" in unit)
+    assert (sequence["width"], sequence["height"]) == (int(width), int(height)), sequence
+    # Whatever the name says, the data tell the codec.
+    shutil.copy(name, "stream.h264" if hevc else "stream.hevc")
+    assert qorv("headers", "stream.h264" if hevc else "stream.hevc") == lines
+    assert qorv("headers", "-", stdin=data) == lines
 
 
 for stream in H264:
-    check("stream.h264", *stream, hevc=False)
+    check("a.h264", *stream, hevc=False)
 for stream in HEVC:
-    check("stream.hevc", *stream, hevc=True)
-    assert qorv("headers", "-", "--codec", "hevc", stdin=open("stream.hevc", "rb").read()) == qorv(
-        "headers", "stream.hevc")
+    check("a.hevc", *stream, hevc=True)
 
-with open("stream.hevc", "rb") as file:
+with open("a.hevc", "rb") as file:
     data = file.read()
 at = next(start for start, _ in units(data) if data[start] >> 1 == 33)
 for kept in range(2, 20):
@@ -83,6 +90,7 @@ for content, offset in [(b"", 0), (b"\0\0\0", 3), (b"\0\0\1", 3), (b"\0\0\0\1\0\
     with open("odd.h264", "wb") as file:
         file.write(content)
     assert f"odd.h264: at byte {offset}: " in qorv("headers", "odd.h264", status=1), content
-assert "give --codec" in qorv("headers", "stream.unknown", status=2)
-survives_damage("stream.h264", "headers")
-survives_damage("stream.hevc", "headers")
+assert "no start code" in qorv("headers", "/dev/zero", status=1)
+assert "--codec" in qorv("headers", "a.hevc", "--codec", "av1", status=2)
+survives_damage("a.h264", "headers")
+survives_damage("a.hevc", "headers")

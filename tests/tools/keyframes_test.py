@@ -1,5 +1,10 @@
 """qorv keyframes on AVI files that FFmpeg's encoders made."""
-from program import ffmpeg, ffprobe, qorv, survives_damage
+import json
+import os
+import subprocess
+import time
+
+from program import QORV, WRAPPER, ffmpeg, ffprobe, qorv, survives_damage
 
 FRAMES = 40
 NO_PARAMETER_SETS = ["-bsf:v", "filter_units=remove_types=32-40"]
@@ -68,6 +73,42 @@ assert qorv("keyframes", "no_index.avi")[-1].endswith("4 by data, 0 by index; 0 
 
 with open("half.avi", "wb") as file:
     file.write(data[:len(data) // 2])
+# A byte too many is no reason to refuse.
+with open("stray.avi", "wb") as file:
+    file.write(data + b"\n")
+plain, stray = (subprocess.run([*WRAPPER, QORV, "keyframes", name], capture_output=True, check=True)
+                for name in ("mpeg4.avi", "stray.avi"))
+assert stray.stdout == plain.stdout and plain.stderr == b"" and b"1 stray byte" in stray.stderr
+quiet = subprocess.run([*WRAPPER, QORV, "keyframes", "--quiet", "stray.avi"], capture_output=True, check=True)
+assert quiet.stderr == b""
+assert qorv("keyframes", "-", stdin=data) == qorv("keyframes", "mpeg4.avi")
+with open("mpeg4.avi", "rb") as file:
+    assert subprocess.run([*WRAPPER, QORV, "keyframes", "-"], stdin=file, capture_output=True).stdout == plain.stdout
+
+# A codec without a test of its own: the index alone tells.
+encode("mjpeg.avi", ["-c:v", "mjpeg", "-pix_fmt", "yuvj420p"])
+lines = qorv("keyframes", "mjpeg.avi")
+assert lines[-1] == f"{FRAMES} frames, key frames: cannot tell by data, {FRAMES} by index; 0 not in the index", lines
+told = json.loads("\n".join(qorv("keyframes", "--json", "mjpeg.avi")))
+assert (told["keys_by_data"], told["differ"], told["cannot_tell"]) == (None, 0, FRAMES), told
+told = json.loads("\n".join(qorv("keyframes", "--json", "mpeg4.avi")))
+assert (told["keys_by_data"], told["agree"], len(told["frames"])) == (4, FRAMES, FRAMES), told
+
+# Other containers, and what is no file.
+ffmpeg("-i", "mpeg4.avi", "-c", "copy", "a.mkv")
+ffmpeg("-i", "mpeg4.avi", "-c", "copy", "a.mp4")
+ffmpeg("-i", "mpeg4.avi", "-c", "copy", "a.ts")
+for name in ("a.mkv", "a.mp4", "a.ts", "/dev/zero"):
+    assert f"{name}: at byte 0: not an AVI file" in qorv("keyframes", name, status=1)
+
+# A file that is cut off while it is read. The list fills a pipe that is read only afterwards.
+ffmpeg("-f", "lavfi", "-i", "color=size=16x16:rate=25", "-frames:v", "9000", "-c:v", "mpeg4", "long.avi")
+run = subprocess.Popen([*WRAPPER, QORV, "keyframes", "--list", "long.avi"], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+time.sleep(0.2 if not WRAPPER else 20)
+os.truncate("long.avi", os.path.getsize("long.avi") // 50)
+_, error = run.communicate(timeout=60)
+assert run.returncode == 1 and b"long.avi: at byte" in error and b"truncated while it was read" in error, error
+
 assert "half.avi: at byte 0: truncated or damaged: chunk 'RIFF'" in qorv("keyframes", "half.avi", status=1)
 with open("text.avi", "w") as file:
     file.write("not at all an AVI file")

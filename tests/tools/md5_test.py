@@ -1,5 +1,7 @@
 """qorv md5 against FFmpeg's digests of the same raw pictures."""
 import hashlib
+import json
+import re
 
 from program import ffmpeg, qorv
 
@@ -28,7 +30,11 @@ for pixel_format, size in STREAMS:
     assert qorv("md5", "stream.y4m") == expected, (pixel_format, size)
     with open("stream.y4m", "rb") as file:
         data = file.read()
-    assert qorv("md5", "-", stdin=data) == expected
+    assert qorv("md5", "-", "--threads", "1", stdin=data) == qorv("md5", "--threads", "5", "stream.y4m") == expected
+    width, height = re.match(rb"YUV4MPEG2 W(\d+) H(\d+)", data).groups()  # FFmpeg may have made it even
+    assert qorv("md5", "-", "--raw", f"{int(width)}x{int(height)}", "--pix", pixel_format, stdin=raw) == expected
+    told = json.loads("\n".join(qorv("md5", "--json", "stream.y4m")))
+    assert [frame["md5"] for frame in told["frames"]] == frames and "MD5=" + told["md5"] == total
     assert "at byte " + str(len(data) - 1) in qorv("md5", "-", stdin=data[:-1], status=1)
 
 # A real decoder's pictures.

@@ -1,8 +1,9 @@
 """qorv resize against the bilinear formula, pixel by pixel, whole and in bands."""
+import json
 import os
 import subprocess
 
-from program import WRAPPER, ffmpeg, pixels_of, qorv, shown_as_565
+from program import QORV, WRAPPER, ffmpeg, pixels_of, qorv, shown_as_565
 
 W, H = 61, 47
 CHANNELS = {"gray": "gray", "rgb888": "rgb24", "rgba8888": "rgba"}
@@ -70,9 +71,18 @@ with subprocess.Popen(["cat", "pipe.png"], stdout=subprocess.PIPE) as reader, op
     qorv("resize", "rgb888.png", "pipe.png", "--size", "9x5")
     assert reader.communicate(timeout=30)[0] == file.read()
 
+# Other files, and standard input and output with nothing but the picture.
+ffmpeg("-i", "rgb888.png", "in.ppm")
+with open("in.ppm", "rb") as file:
+    done = subprocess.run([*WRAPPER, QORV, "resize", "-", "-", "--to", "ppm", "--size", "9x5", "--json"], stdin=file,
+                          capture_output=True, check=True)
+assert done.stdout[:11] == b"P6\n9 5\n255\n" and len(done.stdout) == 11 + 9 * 5 * 3
+assert json.loads(done.stderr)["from"] == {"width": W, "height": H}
+assert [tuple(done.stdout[i:i + 3]) for i in range(11, len(done.stdout), 3)] == resized(pictures["rgb888"], 9, 5)
+
 with open("broken.png", "wb") as broken, open("rgb888.png", "rb") as file:
     broken.write(file.read()[:200])
-for paths, reason in ((("missing.png", "no.png"), "missing.png: cannot be read as PNG"),
+for paths, reason in ((("missing.png", "no.png"), "missing.png: cannot be opened"),
                       (("broken.png", "no.png"), "broken.png: cannot be read as PNG"),
                       (("rgb888.png", "missing/no.png"), "missing/no.png: cannot be written")):
     error = qorv("resize", *paths, "--size", "4x4", status=1)
@@ -83,4 +93,4 @@ for arguments, reason in (((), "--size is required"),
                           (("--size", "4x4", "--band-height", "0"), "not in range")):
     error = qorv("resize", "rgb888.png", "no.png", *arguments, status=2)
     assert reason in error, (arguments, error)
-assert not [name for name in os.listdir() if name.startswith("no.") or name.endswith(".partial")]
+assert not [name for name in os.listdir() if name.startswith(("no.", ".qorv"))]

@@ -101,8 +101,9 @@ struct Writing : Coding {
 };
 
 // Samples as they are, whatever the file says of gamma: 8 bits, palettes as RGB or RGBA, gray with alpha as RGBA.
-void ask_for_8_bits(png_structp png, png_infop info) {
+void ask_for_8_bits(png_structp png, png_infop info, size_t &coded_row_bytes) {
     png_read_info(png, info);
+    coded_row_bytes = png_get_rowbytes(png, info);
     png_set_scale_16(png);
     png_set_expand(png);
     if ((png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA) != 0 || png_get_valid(png, info, PNG_INFO_tRNS) != 0) {
@@ -112,25 +113,31 @@ void ask_for_8_bits(png_structp png, png_infop info) {
     png_read_update_info(png, info);
 }
 
+// Compressed data grow by a factor of 1032 at the most, so that a size which the data cannot fill is found out before
+// any memory is taken for it. Otherwise memory is taken as the rows come; an interlaced picture needs all at once.
+void check_growth(const Input &input, const std::string &what, uint64_t coded, uint64_t shown, bool interlaced) {
+    constexpr uint64_t kMostGrowth = 1032, kAlwaysFits = 1 << 26;
+    if (input.size() && coded / kMostGrowth > *input.size()) throw Error(what + "the file is truncated");
+    if (interlaced && shown > kAlwaysFits && (!input.size() || shown / kMostGrowth > *input.size())) {
+        throw Error(what + "too large to be read interlaced");
+    }
+}
+
 }  // namespace
 
-// Compressed data grow by a factor of 1032 at the most, so that a size which the data cannot fill is found out before
-// any memory is taken for it; what cannot be known before, a pipe's length, is taken as the rows come.
 Picture read_png(Input &input, const RowReport &report) {
-    constexpr uint64_t kMostGrowth = 1032;
     Reading reading(input);
     const std::string what = input.path() + ": cannot be read as PNG: ";
-    if (!run(reading, [&] { ask_for_8_bits(reading.png, reading.info); })) fail(reading, what);
+    size_t coded_row_bytes = 0;
+    if (!run(reading, [&] { ask_for_8_bits(reading.png, reading.info, coded_row_bytes); })) fail(reading, what);
     Picture picture = {png_get_image_width(reading.png, reading.info),
                        png_get_image_height(reading.png, reading.info),
                        png_get_channels(reading.png, reading.info),
                        {}};
     check_sides(input.path(), picture.width, picture.height);
     const bool interlaced = png_get_interlace_type(reading.png, reading.info) != PNG_INTERLACE_NONE;
-    const uint64_t coded = uint64_t{picture.height} * png_get_rowbytes(reading.png, reading.info) / 8;
-    if (input.size() ? coded / kMostGrowth > *input.size() : interlaced && coded > (1u << 23)) {
-        throw Error(what + "the file is truncated, or too large to be read interlaced from a pipe");
-    }
+    check_growth(input, what, uint64_t{picture.height} * coded_row_bytes, picture.height * picture.row_bytes(),
+                 interlaced);
     if (interlaced) picture.pixels.resize(picture.row_bytes() * picture.height);
     for (int pass = interlaced ? 7 : 1; pass > 0; pass--) {
         for (uint32_t y = 0; y < picture.height; y++) {
