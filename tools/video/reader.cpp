@@ -51,12 +51,16 @@ void VideoReader::set_raw(const VideoOptions &options) {
         !set_raw_pixels(format_, options.raw_pixels)) {
         throw UsageError("--raw " + options.raw_size + " --pix " + options.raw_pixels + ": no format of raw planes");
     }
-    const std::string p = format_.bits > 8 ? (format_.chroma == "mono" ? "" : "p") + std::to_string(format_.bits) : "";
-    const bool left = format_.chroma == "420" && format_.horizontal.first == 0 && format_.bits == 8;
-    format_.header = std::string(kMagic) + " F25:1 Ip A1:1 C" + format_.chroma +
-                     (format_.alpha ? "alpha"
-                      : left        ? "mpeg2"
-                                    : p);
+    format_.header = kMagic;
+    format_.header += " F25:1 Ip A1:1 C" + format_.chroma;
+    if (format_.alpha) {
+        format_.header += "alpha";
+    } else if (format_.bits > 8) {
+        if (format_.chroma != "mono") format_.header += 'p';
+        format_.header += std::to_string(format_.bits);
+    } else if (format_.chroma == "420" && format_.horizontal.first == 0) {
+        format_.header += "mpeg2";
+    }
     set_header_word(format_, "XCOLORRANGE=", format_.range == Range::kFull ? "FULL" : "LIMITED");
 }
 
