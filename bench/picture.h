@@ -13,7 +13,7 @@ namespace bench {
 // Planes (or one packed plane) of noise with rows of whole cache lines.
 class Planes {
 public:
-    // `samples_per_pixel` bytes or words for each pixel of a row.
+    // Bytes that the bits of `mask`, repeated, let through: 0x03FF03FF for words of 10 bits.
     Planes(int count, int w, int h, int bytes_per_pixel, uint32_t mask = 0xFFFFFFFF) {
         for (int i = 0; i < count; i++) {
             const size_t stride = (static_cast<size_t>(w * bytes_per_pixel) + 63) / 64 * 64;

@@ -1,6 +1,9 @@
 # How the library is put together: ordinary sources are compiled once, kernel sources once for every instruction set.
 # Each folder adds its own with qorv_sources() and qorv_kernel_sources(); qorv_finish_library() makes the targets.
 
+# The library's folders; those of the tests have the same names.
+set(QORV_FOLDERS core system buffer bitstream csc resize metric container util hash)
+
 set(QORV_WARNINGS -Wall -Wextra -Wconversion -Wshadow)
 # Presets make warnings errors. Those of compilers other than the two that scripts/check pins are only shown.
 if(NOT "${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION}" MATCHES "^(GNU 12|Clang 19)\\.")

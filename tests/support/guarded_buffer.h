@@ -41,11 +41,12 @@ public:
     // An input is read-only while the code under test runs.
     void make_read_only() { protect(true); }
     void make_writable() { protect(false); }
-    void protect(bool read_only);
     // True while the slack between the buffer and the accessible page's far end is untouched.
     bool slack_intact() const;
 
 private:
+    void protect(bool read_only);
+
     uint8_t *map_ = nullptr;
     size_t map_bytes_ = 0;
     uint8_t *data_ = nullptr;
