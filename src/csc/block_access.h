@@ -1,13 +1,13 @@
 // Reading and writing one block of pixels in each layout. Kernel sources only.
 #pragma once
 
+#include "csc/block.h"
+// The primitives come first.
 #include "csc/colours.h"
 #include "csc/layouts.h"
 #include "resize/words_565.h"
 
 namespace qorv::QORV_ISA {
-
-constexpr uint8_t kOpaque = 255;
 
 // Access<Layout>::load and ::store handle the block of kBlock pixels at pixel x of the rows that `p` points to. Sources
 // without alpha give opaque pixels.
@@ -52,24 +52,25 @@ struct Access<Rgb888> : ByteBlock {
     }
 };
 
-// The byte at place k of a pixel is channel `First`, `Second`, ...
-template <int First, int Second, int Third, int Fourth>
+template <class Layout>
 struct Interleaved4Access : ByteBlock {
+    static constexpr const uint8_t (&kOrder)[4] = Layout::order;
     [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
         Pixels block = {};
-        load_interleaved4(p[0] + 4 * x, block.c[First], block.c[Second], block.c[Third], block.c[Fourth]);
+        load_interleaved4(p[0] + 4 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]], block.c[kOrder[3]]);
         return block;
     }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
-        store_interleaved4(p[0] + 4 * x, block.c[First], block.c[Second], block.c[Third], block.c[Fourth]);
+        store_interleaved4(p[0] + 4 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]],
+                           block.c[kOrder[3]]);
     }
 };
 template <>
-struct Access<Rgba8888> : Interleaved4Access<0, 1, 2, 3> {};
+struct Access<Rgba8888> : Interleaved4Access<Rgba8888> {};
 template <>
-struct Access<Bgra8888> : Interleaved4Access<2, 1, 0, 3> {};
+struct Access<Bgra8888> : Interleaved4Access<Bgra8888> {};
 template <>
-struct Access<Argb8888> : Interleaved4Access<3, 0, 1, 2> {};
+struct Access<Argb8888> : Interleaved4Access<Argb8888> {};
 
 template <>
 struct Access<ArgbWithoutBlue> {

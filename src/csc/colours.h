@@ -1,10 +1,10 @@
-// The colour formulas on one block of pixels: full-range ITU-R BT.601 in units of 1/256, exact in 16-bit lanes. Kernel
-// sources only.
+// The colour formulas on one block of pixels: full-range ITU-R BT.601 in units of 1/256, exact in 16-bit lanes. Written
+// over the types and primitives of csc/block.h, or of csc/pixel.h, which are included before. Kernel sources only.
 #pragma once
 
-#include "core/simd.h"
-
 namespace qorv::QORV_ISA {
+
+constexpr uint8_t kOpaque = 255;
 
 // One block: R, G, B, A or Y, U, V, A, one vector a channel.
 struct Pixels {
@@ -22,7 +22,7 @@ struct WordPair {
 // With u = U - 128, v = V - 128 and >> arithmetic, each result clamped to 0..255:
 //   R = Y + ((359 v + 128) >> 8),  G = Y - ((183 v + 88 u + 128) >> 8),  B = Y + ((454 u + 128) >> 8).
 // Whole multiples of 256 leave the shifts, and 128 times each weight goes into a constant. What is left of each formula
-// is Y plus the difference of two bytes, so that saturating byte arithmetic gives the clamped result:
+// is Y plus the difference of two bytes, which add_difference() clamps:
 //   R = Y + V - (179 - (103 V >> 8))                   the bracket is 77..179
 //   G = Y + (135 - ((88 U - 73 V) >> 8)) - V           48..208
 //   B = Y + U - (227 - ((198 U + 128) >> 8))           29..227
@@ -33,12 +33,6 @@ struct YuvToRgb {
         const U8 g = add_difference(y, 135 - high_bytes(weighted<88, -73>(u, v)), v);
         const U8 b = add_difference(y, u, 227 - high_bytes_rounded<198>(u));
         return {{r, g, b, in.c[3]}};
-    }
-
-private:
-    // y + a - b, clamped: one of the two inner differences is 0.
-    [[gnu::always_inline]] static U8 add_difference(U8 y, U8 a, U8 b) {
-        return subtract_saturated(add_saturated(y, subtract_saturated(a, b)), subtract_saturated(b, a));
     }
 };
 

@@ -35,13 +35,13 @@
     X(p410_to_r10g10b10, Planar3x10, Yuv10ToRgb10, Planar3x10) \
     X(r10g10b10_to_p410, Planar3x10, Rgb10ToYuv10, Planar3x10)
 
-// Those that scale, too: X(name, source, destination). Their kernels are those of the same names above.
-#define QORV_CSC_SCALING_CONVERTERS(X)         \
-    X(r8g8b8_to_rgb888, Planar3, Rgb888)       \
-    X(r8g8b8_to_rgba8888, Planar3, Rgba8888)   \
-    X(r8g8b8a8_to_rgba8888, Planar4, Rgba8888) \
-    X(yuv444_to_rgb888, Planar3, Rgb888)       \
-    X(yuv444_to_rgba8888, Planar3, Rgba8888)   \
-    X(yuv444a8_to_rgba8888, Planar4, Rgba8888) \
-    X(yuv444_to_rgb565, Planar3, Rgb565)       \
-    X(yuv444a8_to_rgb565a8, Planar4, Rgb565A8)
+// Those that scale, too: X(name, source, colour, destination). Their kernels are those of the same names above.
+#define QORV_CSC_SCALING_CONVERTERS(X)                     \
+    X(r8g8b8_to_rgb888, Planar3, SameColour, Rgb888)       \
+    X(r8g8b8_to_rgba8888, Planar3, SameColour, Rgba8888)   \
+    X(r8g8b8a8_to_rgba8888, Planar4, SameColour, Rgba8888) \
+    X(yuv444_to_rgb888, Planar3, YuvToRgb, Rgb888)         \
+    X(yuv444_to_rgba8888, Planar3, YuvToRgb, Rgba8888)     \
+    X(yuv444a8_to_rgba8888, Planar4, YuvToRgb, Rgba8888)   \
+    X(yuv444_to_rgb565, Planar3, YuvToRgb, Rgb565)         \
+    X(yuv444a8_to_rgb565a8, Planar4, YuvToRgb, Rgb565A8)

@@ -2,43 +2,50 @@
 
 #include "core/isa.h"
 #include "csc/block_access.h"
+// What it is made of comes first.
+#include "csc/convert.h"
 
 namespace qorv::QORV_ISA {
 
 namespace {
 
-template <class Source, class Colour, class Dest>
-void convert(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst, const ptrdiff_t *dst_stride,
-             ptrdiff_t w, ptrdiff_t h) {
-    constexpr Layout in = Source::layout, out = Dest::layout;
-    constexpr ptrdiff_t kBlock = Access<Source>::kBlock;
-    const uint8_t *s[kMaxChannels] = {};
-    uint8_t *d[kMaxChannels] = {};
-#pragma GCC unroll 4
-    for (int i = in.first; i < in.count; i++) s[i] = src[i];
-#pragma GCC unroll 4
-    for (int i = out.first; i < out.count; i++) d[i] = dst[i];
-
-    const auto block = [&](ptrdiff_t x) __attribute__((always_inline)) {
-        Access<Dest>::store(d, x, Colour::apply(Access<Source>::load(s, x)));
-    };
-    for (ptrdiff_t y = 0; y < h; y++) {
-        ptrdiff_t x = 0;
-        for (; x <= w - kBlock; x += kBlock) block(x);
-        // The rest once more as a whole block that ends with the row; what it repeats gets the same values.
-        if (x < w) block(w - kBlock);
-#pragma GCC unroll 4
-        for (int i = in.first; i < in.count; i++) s[i] += src_stride[i];
-#pragma GCC unroll 4
-        for (int i = out.first; i < out.count; i++) d[i] += dst_stride[i];
+// In each 128-bit lane the whole pixels of 16 bytes. What a lane's last byte writes behind them comes to the next pixel,
+// before this is written itself.
+template <int Bytes>
+void reorder(const uint8_t *src, uint8_t *dst, const uint8_t *order, ptrdiff_t n) {
+    constexpr int kLanes = kVectorBytes / 16;
+    constexpr ptrdiff_t kWhole = 16 / Bytes * Bytes;
+    constexpr uint16_t kOffsets[] = {0, kWhole};
+    U8 indices = {};
+    for (int i = 0; i < kVectorBytes; i++) {
+        const int byte = i % 16;
+        indices[i] = static_cast<uint8_t>(byte < kWhole ? byte / Bytes * Bytes + order[byte % Bytes] : 0);
+    }
+    ptrdiff_t i = 0;
+    uint8_t pixels[kVectorBytes] = {};
+    for (; i + (kLanes - 1) * kWhole + 16 <= n * Bytes; i += kLanes * kWhole) {
+        store(pixels, shuffle(load_windows(src + i, kOffsets), indices));
+#pragma GCC unroll 2
+        for (int lane = 0; lane < kLanes; lane++) memcpy(dst + i + lane * kWhole, pixels + 16 * lane, 16);
+    }
+    for (; i < n * Bytes; i += kWhole) {
+        const size_t rest = static_cast<size_t>(n * Bytes - i < kWhole ? n * Bytes - i : kWhole);
+        memcpy(pixels, src + i, rest);
+        store(pixels, shuffle(load<U8>(pixels), indices));
+        memcpy(dst + i, pixels, rest);
     }
 }
 
 }  // namespace
 
+static_assert(kVectorBytes % kLeastBlock == 0);
+
 // clang-format off
 constinit const CscKernels csc_kernels = {
     .block = kVectorBytes,
+    .narrower = kVectorBytes == kLeastBlock ? &pixel::csc_kernels : &v2::csc_kernels,
+    .reorder3 = reorder<3>,
+    .reorder4 = reorder<4>,
     .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)

@@ -38,28 +38,36 @@ struct Layout {
     }
 };
 
-// Layouts by name. Orders are those of the pointers in memory.
+// Layouts by name. Of layouts of bytes, `order` says what passes through each pointer: 0 to 2 red, green and blue or Y, U
+// and V, 3 alpha.
 struct Planar3 {
     static constexpr Layout layout{Arrangement::kPlanar, 0, 3, {{1, 1}, {1, 1}, {1, 1}, {}}};
+    static constexpr uint8_t order[] = {0, 1, 2};
 };
 struct Planar4 {
     static constexpr Layout layout{Arrangement::kPlanar, 0, 4, {{1, 1}, {1, 1}, {1, 1}, {1, 1}}};
+    static constexpr uint8_t order[] = {0, 1, 2, 3};
 };
 struct Rgb888 {
     static constexpr Layout layout{Arrangement::kInterleaved, 0, 3, {{1, 3}, {1, 3}, {1, 3}, {}}};
+    static constexpr uint8_t order[] = {0, 1, 2};
 };
 struct Rgba8888 {
     static constexpr Layout layout{Arrangement::kInterleaved, 0, 4, {{1, 4}, {1, 4}, {1, 4}, {1, 4}}};
+    static constexpr uint8_t order[] = {0, 1, 2, 3};
 };
 struct Bgra8888 {
     static constexpr Layout layout = Rgba8888::layout;
+    static constexpr uint8_t order[] = {2, 1, 0, 3};
 };
 struct Argb8888 {
     static constexpr Layout layout = Rgba8888::layout;
+    static constexpr uint8_t order[] = {3, 0, 1, 2};
 };
 // Red, green and alpha through pointers 1 to 3; there is no blue and pointer 0 is left alone.
 struct ArgbWithoutBlue {
     static constexpr Layout layout{Arrangement::kScattered, 1, 4, {{}, {1, 4}, {1, 4}, {1, 4}}};
+    static constexpr uint8_t order[] = {2, 0, 1, 3};
 };
 struct Rgb565 {
     static constexpr Layout layout{Arrangement::kPlanar, 0, 1, {{2, 2}, {}, {}, {}}};
@@ -81,6 +89,7 @@ struct WordPlane {
 };
 struct BytePlane {
     static constexpr Layout layout{Arrangement::kPlanar, 0, 1, {{1, 1}, {}, {}, {}}};
+    static constexpr uint8_t order[] = {0};
 };
 
 }  // namespace qorv

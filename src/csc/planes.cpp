@@ -1,7 +1,6 @@
 // The converters that work plane by plane.
 #include <string.h>
 
-#include "core/isa.h"
 #include "csc/driver.h"
 #include "qorv_skia.h"
 
@@ -48,11 +47,10 @@ extern "C" void qorv_csc_yuv444x_to_yuv444x(const void *const *src, int32_t src_
 extern "C" void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride,
                                         uint64_t, void *const *dst, int32_t, int32_t, const int32_t *dst_stride,
                                         int32_t) {
-    if (src_h < 1) return;
     for (int i = 0; i < 3; i++) {
         const int halved = i == 0 ? 0 : 1;  // chroma sizes are rounded down
-        qorv::convert_picture(qorv::source_picture(qorv::WordPlane::layout, src + i, src_stride + i),
-                              qorv::dest_picture(qorv::BytePlane::layout, dst + i, dst_stride + i),
-                              qorv::active.csc->drop_2_bits, src_w >> halved, src_h >> halved);
+        qorv::convert_picture<qorv::WordPlane::layout, qorv::BytePlane::layout>(
+            src + i, src_stride + i, dst + i, dst_stride + i, src_w >> halved, src_h >> halved,
+            &qorv::CscKernels::drop_2_bits);
     }
 }

@@ -128,7 +128,7 @@ TEST(ConverterTable, EveryConverterOfTheListIsChecked) {
     checked.clear();
     for (const CscScalingCase &c : csc_scaling_cases()) checked[c.name] = c.fn;
     listed = 0;
-#define EXPECT_CHECKED(name, source, dest)                   \
+#define EXPECT_CHECKED(name, source, colour, dest)           \
     EXPECT_EQ(checked[#name], qorv_csc_rsz_##name) << #name; \
     listed++;
     QORV_CSC_SCALING_CONVERTERS(EXPECT_CHECKED)

@@ -1,0 +1,78 @@
+// The loops over pixels: all samples of a pixel are read before its first is written, so that any overlap comes out
+// right.
+#define QORV_ISA pixel
+
+#include "csc/pixel_kernels.h"
+
+#include "csc/pixel_access.h"
+#include "resize/resize_kernels.h"
+// What it is made of comes first.
+#include "csc/convert.h"
+
+namespace qorv::QORV_ISA {
+
+namespace {
+
+template <int Bytes>
+void reorder(const uint8_t *src, uint8_t *dst, const uint8_t *order, ptrdiff_t n) {
+    for (; n > 0; n--, src += Bytes, dst += Bytes) {
+        for (int i = 0; i < Bytes; i++) dst[i] = src[order[i]];
+    }
+}
+
+// The two samples between which a position lies, and the weight of the second in eighths. A neighbour of weight 0 may
+// not exist.
+struct Neighbours {
+    ptrdiff_t first, second;
+    int weight;
+
+    [[gnu::always_inline]] Neighbours(const Axis &axis, ptrdiff_t i)
+        : first(i * axis.step >> kPositionBits << axis.shift), weight(i * axis.step >> kEighthBits & 7) {
+        second = first + (weight == 0 ? 0 : ptrdiff_t{1} << axis.shift);
+    }
+    [[gnu::always_inline]] int blend(int a, int b) const { return (8 - weight) * a + weight * b; }
+};
+
+template <class Source, class Colour, class Dest>
+void scale(const Grid &grid, const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst,
+           const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h) {
+    RowPointers<Dest::layout, uint8_t> to(dst);
+    for (ptrdiff_t y = 0; y < h; y++, to.advance(dst_stride)) {
+        const Neighbours down(grid.y, y);
+        for (ptrdiff_t x = 0; x < w; x++) {
+            const Neighbours across(grid.x, x);
+            Pixels pixel{{0, 0, 0, kOpaque}};
+            for (int i = 0; i < Source::layout.count; i++) {
+                const uint8_t *const upper = src[i] + down.first * src_stride[i];
+                const uint8_t *const lower = src[i] + down.second * src_stride[i];
+                pixel.c[i] = down.blend(across.blend(upper[across.first], upper[across.second]),
+                                        across.blend(lower[across.first], lower[across.second])) >>
+                             6;
+            }
+            Access<Dest>::store(to.p, x, Colour::apply(pixel));
+        }
+    }
+}
+
+}  // namespace
+
+// clang-format off
+constinit const CscKernels csc_kernels = {
+    .block = 1,
+    .narrower = nullptr,
+    .reorder3 = reorder<3>,
+    .reorder4 = reorder<4>,
+    .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
+#define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
+    QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
+#undef QORV_KERNEL_ENTRY
+};
+
+constinit const ScalingLoops scaling_loops = {
+#define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = scale<source, colour, dest>,
+    QORV_CSC_SCALING_CONVERTERS(QORV_KERNEL_ENTRY)
+#undef QORV_KERNEL_ENTRY
+};
+// clang-format on
+
+}  // namespace qorv::QORV_ISA

@@ -1,0 +1,33 @@
+// Strips of pixels on their way between a picture and a kernel.
+#pragma once
+
+#include "csc/picture.h"
+
+namespace qorv {
+
+// Pixels that a stage holds: a multiple of every kernel's block.
+constexpr ptrdiff_t kStrip = 256;
+
+// A rectangle of a picture, of at most kStrip pixels.
+struct Rect {
+    ptrdiff_t x, y, w, h;
+};
+
+// The pixels of a rectangle as kernels want them: in one row, interleaved channels in canonical order. What lies behind
+// them is of no meaning.
+class Stage {
+public:
+    explicit Stage(const Layout &layout);
+
+    uint8_t *const *pointers() const { return p_; }
+    void read(const Planes<const uint8_t> &picture, const Rect &rect);
+    // Plane by plane, from the last to the first.
+    void write(const Planes<uint8_t> &picture, const Rect &rect) const;
+
+private:
+    const Layout &layout_;
+    uint8_t *p_[kMaxChannels] = {};
+    uint8_t bytes_[3 * 2 * kStrip];  // the widest layout is three planes of words
+};
+
+}  // namespace qorv
