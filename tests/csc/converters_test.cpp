@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "csc/converter_list.h"
+#include "csc/csc_kernels.h"
 #include "support/csc_reference.h"
+#include "support/doing.h"
+#include "support/first_difference.h"
 #include "support/guarded_buffer.h"
 #include "support/kernel_fixture.h"
 #include "support/random.h"
@@ -147,7 +149,8 @@ TEST_P(Converters, EveryWidthArrangementAndStride) {
                 for (const Strides strides : {Strides::kTight, Strides::kPadded, Strides::kNegative}) {
                     Placement placement;
                     int64_t bytes = 8;
-                    const int32_t h = w > 80 ? 2 : 3;
+                    // Enough rows for narrow ones to fill more than one strip, now and then.
+                    const int32_t h = w > 80 ? 2 : w % 11 == 6 ? 560 / w : 3;
                     place(c.src, channels, strides, w, h, c.deep, bytes, placement.src, placement.src_stride);
                     place(c.dst, channels, strides, w, h, c.deep, bytes, placement.dst, placement.dst_stride);
                     ASSERT_NO_FATAL_FAILURE(expect_same(c, placement, static_cast<size_t>(bytes), w, h, random));
@@ -157,37 +160,51 @@ TEST_P(Converters, EveryWidthArrangementAndStride) {
     }
 }
 
-// Destinations anywhere over the sources and over each other, exactly in place included.
+// How destinations lie over the sources and over each other.
+enum class Over { kInPlace, kOneStride, kAnywhere, kShifted, kOneBuffer };
+
+Placement overlapping(const CscCase &c, Over over, int64_t middle, Random &random) {
+    Placement placement;
+    const int32_t unit = c.deep ? 2 : 1, reach = over == Over::kShifted ? 900 : 400;
+    const auto place_anywhere = [&](size_t count, std::vector<int64_t> &at, std::vector<int32_t> &stride) {
+        for (size_t k = 0; k < count; k++) {
+            at.push_back(middle + random.between(-reach, reach));
+            stride.push_back(random.between(-400, 400) / unit);
+        }
+    };
+    place_anywhere(c.src.size(), placement.src, placement.src_stride);
+    place_anywhere(c.dst.size(), placement.dst, placement.dst_stride);
+    const int64_t shift = random.between(-40, random() % 2 == 0 ? 40 : 700);
+    const int32_t stride = random.between(-150, 150) / unit;
+    for (size_t k = 0; over != Over::kAnywhere && k < c.dst.size(); k++) {
+        const size_t from = std::min(k, c.src.size() - 1);
+        if (over == Over::kOneStride) {
+            placement.src_stride.assign(c.src.size(), stride);
+            placement.dst_stride.assign(c.dst.size(), stride);
+        } else if (over == Over::kInPlace) {
+            placement.src[from] = middle - 1400 + 800 * static_cast<int64_t>(from);
+            placement.dst[k] = placement.src[from];
+            placement.src_stride[from] = placement.dst_stride[k] = 100;
+        } else if (over == Over::kShifted) {  // each plane over one of the source's, a little ahead or behind
+            placement.dst[k] = placement.src[from] + shift;
+        } else {  // the pointers one sample apart, as if pixels were interleaved
+            placement.dst[k] = middle - 2500 + static_cast<int64_t>(k) * c.dst[0].bytes;
+            placement.dst_stride[k] = placement.dst_stride[0];
+        }
+    }
+    return placement;
+}
+
 TEST_P(Converters, OverlapGivesThePerPixelOutcome) {
     Random random(2);
-    constexpr int32_t kSpan = 4096;
+    constexpr int32_t kSpan = 12000;
     for (const CscCase &c : csc_cases()) {
-        for (int round = 0; round < 90; round++) {
-            const int32_t w = random.between(1, 90), h = random.between(1, 3);
-            Placement placement;
-            const auto add = [&](size_t count, std::vector<int64_t> &at, std::vector<int32_t> &stride, int32_t reach) {
-                for (size_t k = 0; k < count; k++) {
-                    at.push_back(kSpan / 2 + random.between(-reach, reach));
-                    stride.push_back(random.between(-400, 400) / (c.deep ? 2 : 1));
-                }
-            };
-            add(c.src.size(), placement.src, placement.src_stride, 400);
-            add(c.dst.size(), placement.dst, placement.dst_stride, 400);
-            if (round % 3 == 1) {  // rows of all planes interleaved or overlapping with one distance
-                const int32_t stride = random.between(-150, 150) / (c.deep ? 2 : 1);
-                placement.src_stride.assign(c.src.size(), stride);
-                placement.dst_stride.assign(c.dst.size(), stride);
-            }
-            if (round % 3 == 0) {  // in place
-                for (size_t k = 0; k < c.dst.size(); k++) {
-                    const size_t from = std::min(k, c.src.size() - 1);
-                    placement.src[from] = 600 + 800 * static_cast<int64_t>(from);
-                    placement.src_stride[from] = 100;
-                    placement.dst[k] = placement.src[from];
-                    placement.dst_stride[k] = placement.src_stride[from];
-                }
-            }
-            ASSERT_NO_FATAL_FAILURE(expect_same(c, placement, kSpan, w, h, random));
+        for (int round = 0; round < 200; round++) {
+            const auto over = static_cast<Over>(round % 5);
+            const bool wide = round % 2 == 0 && over != Over::kInPlace;
+            const int32_t w = random.between(1, wide ? 600 : 90), h = random.between(1, 3);
+            const Placement placement = overlapping(c, over, kSpan / 2, random);
+            ASSERT_NO_FATAL_FAILURE(expect_same(c, placement, kSpan, w, h, random)) << "round " << round;
         }
     }
 }
@@ -213,33 +230,42 @@ TEST_P(Converters, PlanesSideBySide) {
     }
 }
 
-// Sources read-only and every plane flush against inaccessible memory, at either end.
+// Sources read-only and every plane flush against inaccessible memory, at either end: rows one after the other and
+// apart, pointers of packed pictures as listed and in reverse.
 TEST_P(Converters, NothingOutsideThePictureIsTouched) {
     Random random(4);
+    const auto convert = [&](const CscCase &c, int32_t w, int32_t h, Flush flush, int32_t pad, bool reversed) {
+        const Doing doing("%s %dx%d, pad %d, reversed %d", c.name, w, h, pad, reversed);
+        std::vector<GuardedBuffer> planes;
+        Call call;
+        const auto add = [&](const std::vector<CscPointer> &pointers, auto &to, int32_t *stride) {
+            const bool without_first = pointers[0].what == ' ', interleaved = pointers[0].step > 2 || without_first;
+            for (size_t k = 0; k < pointers.size(); k++) {
+                const int32_t step = pointers[k].step;
+                // The last pixel of a channel of its own ends with its sample.
+                const int32_t bytes = interleaved ? w * step : (w - 1) * step + pointers[k].bytes;
+                if (k == 0 || !interleaved) {
+                    planes.emplace_back(static_cast<size_t>((h - 1) * (bytes + pad) + bytes), flush);
+                    planes.back().generate(random);
+                }
+                const size_t place = !interleaved ? 0 : reversed && !without_first ? pointers.size() - 1 - k : k;
+                to[k] = planes.back().data() + place;
+                stride[k] = (bytes + pad) / (c.deep ? 2 : 1);
+            }
+        };
+        add(c.src, call.src, call.src_stride);
+        for (GuardedBuffer &plane : planes) plane.make_read_only();
+        add(c.dst, call.dst, call.dst_stride);
+        run(c, call, w, h);
+        for (const GuardedBuffer &plane : planes) ASSERT_TRUE(plane.slack_intact());
+    };
     for (const CscCase &c : csc_cases()) {
         for (const Flush flush : kBothFlushes) {
-            for (int32_t w = 1; w <= 80; w++) {
-                std::vector<GuardedBuffer> planes;
-                Call call;
-                const auto add = [&](const std::vector<CscPointer> &pointers, auto &to, int32_t *stride) {
-                    const bool interleaved = pointers[0].step > 2 || pointers[0].what == ' ';
-                    for (size_t k = 0; k < pointers.size(); k++) {
-                        const int32_t step = pointers.back().what == ' ' ? 1 : pointers[k].step;
-                        // The last pixel of a channel of its own ends with its sample.
-                        const int32_t bytes = interleaved ? w * step : (w - 1) * step + pointers[k].bytes;
-                        if (k == 0 || !interleaved) {
-                            planes.emplace_back(static_cast<size_t>(2 * bytes), flush);
-                            planes.back().generate(random);
-                        }
-                        to[k] = planes.back().data() + (interleaved ? k : 0);
-                        stride[k] = c.deep ? bytes / 2 : bytes;
-                    }
-                };
-                add(c.src, call.src, call.src_stride);
-                for (GuardedBuffer &plane : planes) plane.make_read_only();
-                add(c.dst, call.dst, call.dst_stride);
-                run(c, call, w, 2);
-                for (const GuardedBuffer &plane : planes) ASSERT_TRUE(plane.slack_intact()) << c.name << " " << w;
+            for (int32_t w = 1; w <= 80; w += w < 40 ? 1 : 5) {
+                for (const int32_t pad : {0, 6}) {
+                    ASSERT_NO_FATAL_FAILURE(convert(c, w, 2 + w % 4, flush, pad, false));
+                    ASSERT_NO_FATAL_FAILURE(convert(c, w, 2 + w % 4, flush, pad, true));
+                }
             }
         }
     }
@@ -340,7 +366,7 @@ TEST_P(Converters, ScalingReadsNothingOutsideItsPlanes) {
 }
 
 // Corners of the 10-bit formulas: extremes of the range and of the word, with their neighbours.
-TEST_P(Converters, TenBitCorners) {
+void expect_ten_bit_corners() {
     const std::vector<uint16_t> corners{0, 1, 2, 511, 512, 513, 1022, 1023, 1024, 1535, 32767, 32768, 65534, 65535};
     const size_t n = corners.size() * corners.size() * corners.size();
     std::vector<uint16_t> src(3 * n), ours(3 * n), expected(3 * n);
@@ -356,7 +382,7 @@ TEST_P(Converters, TenBitCorners) {
         if (!c.deep) continue;
         c.fn(from, w, 1, strides, 0, to, 0, 0, strides, 0);
         csc_reference(c, from, w, 1, strides, to_expected, strides);
-        EXPECT_EQ(ours, expected) << c.name;
+        EXPECT_EQ(first_difference<uint16_t>(expected, ours, n, 1), "") << c.name;
     }
 }
 
@@ -386,8 +412,46 @@ TEST_P(Converters, TenTo8BitPlanes) {
                 call.dst[k] = dst.back().data();
             }
             qorv_csc_p010_to_yuv420(call.src, w, h, call.src_stride, 0, call.dst, 0, 0, call.dst_stride, 0);
-            for (size_t k = 0; k < 3; k++) ASSERT_EQ(dst[k].bytes(), expected[k]) << "plane " << k << ", width " << w;
+            for (size_t k = 0; k < 3; k++) {
+                ASSERT_EQ(first_difference<uint8_t>(expected[k], dst[k].bytes(),
+                                                    static_cast<size_t>(std::max(call.dst_stride[k], 1))),
+                          "")
+                    << "plane " << k << ", width " << w;
+            }
         }
+    }
+}
+
+// Bytes on the words that they come from, or a little ahead or behind.
+TEST_P(Converters, TenTo8BitPlanesOverTheirSource) {
+    Random random(10);
+    constexpr int32_t kBytes = 7000;
+    for (int round = 0; round < 300; round++) {
+        const int32_t w = random.between(1, 700), h = random.between(1, 3), stride = random.between(700, 1400) & ~1;
+        const int64_t shift = round % 3 == 0 ? 0 : random.between(-50, round % 3 == 1 ? 50 : 800);
+        Placement placement;
+        for (int k = 0; k < 3; k++) {  // the halved planes of chroma elsewhere
+            placement.src.push_back(k == 0 ? 100 : 5000);
+            placement.dst.push_back(k == 0 ? 100 + shift : 5500 + 400 * k);
+            placement.src_stride.push_back(k == 0 ? stride : 0);
+            placement.dst_stride.push_back(k == 0 ? stride : 0);
+        }
+        ASSERT_NO_FATAL_FAILURE(expect_same_memory(
+            placement, kBytes, random,
+            [&](const Call &call) {
+                qorv_csc_p010_to_yuv420(call.src, w, h, call.src_stride, 0, call.dst, 0, 0, call.dst_stride, 0);
+            },
+            [&](const Call &call) {
+                for (int k = 0; k < 3; k++) {
+                    for (int32_t i = 0; i < (k == 0 ? w * h : w / 2 * (h / 2)); i++) {
+                        const int32_t x = k == 0 ? i % w : i % (w / 2), y = k == 0 ? i / w : i / (w / 2);
+                        const auto *from = static_cast<const uint8_t *>(call.src[k]) + y * call.src_stride[k] + 2 * x;
+                        static_cast<uint8_t *>(call.dst[k])[y * call.dst_stride[k] + x] =
+                            static_cast<uint8_t>((from[0] | from[1] << 8) >> 2);
+                    }
+                }
+            },
+            text(w, h) + ", shift " + std::to_string(shift)));
     }
 }
 
@@ -418,7 +482,7 @@ TEST(PlaneCopier, CopiesForwardAndTakesAlphaOnDemand) {
                 }
             }
         }
-        ASSERT_EQ(ours, expected) << "round " << round;
+        ASSERT_EQ(first_difference<uint8_t>(expected, ours, kBytes), "") << "round " << round;
     }
 }
 
@@ -490,7 +554,7 @@ void expect_exhaustive(const char *name) {
         const int32_t strides[3] = {256 * c.src[0].step, 256, 256}, out_strides[3] = {256, 256, 256};
         c.fn(from, 256, 256, strides, 0, to, 0, 0, out_strides, 0);
         csc_reference(c, from, 256, 256, strides, to_expected, out_strides);
-        ASSERT_TRUE(ours == expected) << name << ", third sample " << third;
+        ASSERT_EQ(first_difference<uint8_t>(expected, ours, 256, 256), "") << name << ", third sample " << third;
     }
 }
 
@@ -501,6 +565,25 @@ TEST_P(Converters, ExhaustiveYuvToRgb) {
 TEST_P(Converters, ExhaustiveRgbToYuv) {
     expect_exhaustive("r8g8b8_to_yuv444");
     expect_exhaustive("rgb565_to_yuv444");
+}
+
+TEST_P(Converters, TenBitCorners) {
+    expect_ten_bit_corners();
+}
+
+// The loops over pixels in place of kernels of blocks.
+class ConverterLoops : public ::testing::Test {
+protected:
+    ConverterLoops() { qorv::active.csc = &qorv::pixel::csc_kernels; }
+    ~ConverterLoops() override { qorv::active.csc = chosen_; }
+
+private:
+    const qorv::CscKernels *chosen_ = qorv::active.csc;
+};
+
+TEST_F(ConverterLoops, GiveEveryColour) {
+    for (const char *name : {"yuv444_to_r8g8b8", "r8g8b8_to_yuv444", "rgb565_to_yuv444"}) expect_exhaustive(name);
+    expect_ten_bit_corners();
 }
 
 }  // namespace

@@ -38,9 +38,19 @@ qorv_csc_fn expected_cell(const std::map<int, qorv_csc_fn> &table, int index) {
     return found == table.end() ? nullptr : found->second;
 }
 
+template <int Rows, int Columns>
+void expect_cells(const qorv_csc_fn (&table)[2][Rows][Columns], const std::map<int, qorv_csc_fn> &cells) {
+    for (int i = 0; i < 2 * Rows * Columns; i++) {
+        const int differ = i / (Rows * Columns), row = i / Columns % Rows, column = i % Columns;
+        EXPECT_EQ(table[differ][row][column], expected_cell(cells, i))
+            << (differ != 0 ? "sizes differ" : "equal sizes") << ", source row " << row << ", destination column "
+            << column;
+    }
+}
+
 TEST(ConverterTables, HoldTheListedCellsAndNoOther) {
-    for (int i = 0; i < 132; i++) EXPECT_EQ((&qorv_tbl_fn_csc_to_rgb[0][0][0])[i], expected_cell(kToRgb, i)) << i;
-    for (int i = 0; i < 48; i++) EXPECT_EQ((&qorv_tbl_fn_csc_to_yuvplanar[0][0][0])[i], expected_cell(kToYuv, i)) << i;
+    expect_cells(qorv_tbl_fn_csc_to_rgb, kToRgb);
+    expect_cells(qorv_tbl_fn_csc_to_yuvplanar, kToYuv);
 }
 
 // Every pair of identifiers from 0 to 800, the status word left alone on success.
