@@ -6,7 +6,7 @@
 namespace qorv {
 
 // Pixels that a stage holds: a multiple of every kernel's block.
-constexpr ptrdiff_t kStrip = 256;
+constexpr ptrdiff_t kStrip = 512;
 
 // A rectangle of a picture, of at most kStrip pixels.
 struct Rect {
