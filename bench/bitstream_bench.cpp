@@ -1,4 +1,5 @@
-// The bit reader against one that is inlined into its caller and holds 64 bits: what a codec would write for itself.
+// The bit reader and the bit writer against ones that are inlined into their caller and hold 64 bits: what a codec would
+// write for itself.
 #include <bit>
 #include <cstring>
 #include <memory>
@@ -56,6 +57,28 @@ private:
     const uint8_t *end_;
 };
 
+class InlineWriter {
+public:
+    InlineWriter(uint8_t *data, size_t size) : next_(data), end_(data + size) {}
+
+    void write(uint32_t value, int n) {
+        cache_ = cache_ << n | value;
+        bits_ += n;
+        if (bits_ < 32 || end_ - next_ < 4) return;
+        bits_ -= 32;
+        const uint32_t word = __builtin_bswap32(static_cast<uint32_t>(cache_ >> bits_));
+        std::memcpy(next_, &word, sizeof word);
+        next_ += 4;
+    }
+    void ue(uint32_t value) { write(value + 1, 2 * std::bit_width(value + 1) - 1); }
+
+private:
+    uint64_t cache_ = 0;
+    int bits_ = 0;
+    uint8_t *next_;
+    const uint8_t *end_;
+};
+
 struct Input {
     std::vector<uint8_t> data;
     std::vector<int32_t> lengths;  // of the fields, for the fixed-length case
@@ -70,16 +93,22 @@ std::shared_ptr<Input> random_fields(int longest) {
 }
 
 // Code numbers spread as a codec's are: each length half as frequent as the one before.
+std::vector<uint32_t> random_numbers() {
+    std::vector<uint32_t> numbers;
+    const std::vector<uint8_t> random = bench::noise(2 * kCodes, 3);
+    for (size_t i = 0; i < random.size(); i += 2) {
+        const int log2 = std::countl_zero(static_cast<uint8_t>(random[i] | 1));
+        numbers.push_back((1u << log2) - 1 + (random[i + 1] & ((1u << log2) - 1)));
+    }
+    return numbers;
+}
+
 std::shared_ptr<Input> random_codes() {
     auto input = std::make_shared<Input>();
     input->data.resize(kCodes * 4 + 8);
     QORV_BSW writer;
     qorv_bsw_init(&writer, input->data.data(), static_cast<int32_t>(input->data.size()), nullptr);
-    const std::vector<uint8_t> random = bench::noise(2 * kCodes, 3);
-    for (size_t i = 0; i < random.size(); i += 2) {
-        const int log2 = std::countl_zero(static_cast<uint8_t>(random[i] | 1));
-        qorv_bsw_write_ue(&writer, (1u << log2) - 1 + (random[i + 1] & ((1u << log2) - 1)));
-    }
+    for (const uint32_t number : random_numbers()) qorv_bsw_write_ue(&writer, number);
     qorv_bsw_sink(&writer);
     return input;
 }
@@ -123,6 +152,43 @@ void add_read1() {
     });
 }
 
+// A field or a code number, and its bits.
+struct Item {
+    uint32_t value;
+    int bits;
+};
+
+template <class Ours, class Peer>
+void add_writer(const std::string &name, const std::vector<Item> &items, Ours ours, Peer peer) {
+    const auto out = std::make_shared<std::vector<uint8_t>>(4 * items.size() + 8);
+    bench::add(name, "ours", [out, items, ours] {
+        QORV_BSW writer;
+        qorv_bsw_init(&writer, out->data(), static_cast<int32_t>(out->size()), nullptr);
+        for (const Item &item : items) ours(writer, item);
+        benchmark::DoNotOptimize(writer.code);
+    });
+    bench::add(name, "inline64", [out, items, peer] {
+        InlineWriter writer(out->data(), out->size());
+        for (const Item &item : items) peer(writer, item);
+        benchmark::DoNotOptimize(writer);
+    });
+}
+
+void add_writers() {
+    std::vector<Item> fields, numbers;
+    for (const uint8_t byte : bench::noise(kCodes, 4)) {
+        const int bits = 1 + byte % 16;
+        fields.push_back({(byte * 257u) & ((1u << bits) - 1), bits});
+    }
+    for (const uint32_t number : random_numbers()) numbers.push_back({number, 0});
+    add_writer(
+        "bsw/write/1-16", fields, [](QORV_BSW &w, const Item &i) { qorv_bsw_write(&w, i.value, i.bits); },
+        [](InlineWriter &w, const Item &i) { w.write(i.value, i.bits); });
+    add_writer(
+        "bsw/write_ue", numbers, [](QORV_BSW &w, const Item &i) { qorv_bsw_write_ue(&w, i.value); },
+        [](InlineWriter &w, const Item &i) { w.ue(i.value); });
+}
+
 void add_cases() {
     add_read("bsr/read/1-8", 8);
     add_read("bsr/read/1-16", 16);
@@ -135,6 +201,7 @@ void add_cases() {
         [](QORV_BSR &r, const Input &, int) { return static_cast<uint32_t>(qorv_bsr_read_se(&r)); },
         [](InlineReader &r, const Input &, int) { return static_cast<uint32_t>(r.se()); });
     add_read1();
+    add_writers();
 }
 
 const bench::Registration registration{add_cases};

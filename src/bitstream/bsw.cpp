@@ -1,4 +1,5 @@
 #include "bitstream/bits.h"
+#include "core/hide_origin.h"
 #include "qorv_skia.h"
 
 using namespace qorv;
@@ -8,6 +9,7 @@ namespace {
 constexpr int32_t kWordBits = 32;
 // Above this the codes are longer than a field can be; the length is held there.
 constexpr int32_t kMaxLog2 = 16;
+constexpr uint32_t kMaxPlainValue = (1u << kMaxLog2) - 2;
 
 // Bytes that hold written bits; below 0 for a record that claims more free bits than a word has.
 inline int32_t pending_bytes(const QORV_BSW &w) {
@@ -49,11 +51,41 @@ inline int32_t write_across(QORV_BSW &w, uint32_t field, int32_t n) {
     return QORV_OK;
 }
 
-inline int32_t write(QORV_BSW &w, uint32_t value, int32_t n) {
+// A write to any record. What is apart from append(): the caller's own flush, the end of the buffer, a field of 32 bits
+// and a record that claims free bits outside 1 to 32.
+[[gnu::noinline]] int32_t write_any(QORV_BSW &w, uint32_t value, int32_t n) {
     const uint32_t field = shift_left(value, kWordBits - n);
     w.code |= shift_right(field, kWordBits - w.leftbits);
     if (w.leftbits <= n) return write_across(w, field, n);
     w.leftbits -= n;
+    return QORV_OK;
+}
+
+// Whether append() may write n bits.
+inline bool is_plain(const QORV_BSW &w, int32_t n) {
+    const uint32_t room = static_cast<uint32_t>(w.leftbits), bits = static_cast<uint32_t>(n);
+    return w.fn_flush == flush_bytes && w.end - w.cur >= kWordBytes && ((room - 1) | bits) < kWordBits;
+}
+
+// Writes n bits, which stand at the top of `field`. Where the cache fills up is as good as random to a processor's
+// branch prediction: a word is always stored, over the record's own if it is not full.
+inline void append(QORV_BSW &w, uint32_t field, int32_t n) {
+    const int64_t left = int64_t{w.leftbits} - n;
+    const uint64_t bits = uint64_t{w.code} << kWordBits | uint64_t{field} << w.leftbits;
+    int64_t full = (left - 1) >> 63;  // a mask
+    hide_origin(full);
+    const intptr_t own = reinterpret_cast<intptr_t>(&w.code), next = reinterpret_cast<intptr_t>(w.cur);
+    store_big_endian(reinterpret_cast<uint8_t *>(own ^ ((own ^ next) & full)),
+                     static_cast<uint32_t>(bits >> kWordBits));
+    w.code = static_cast<uint32_t>(bits << (full & kWordBits) >> kWordBits);
+    w.leftbits = static_cast<int32_t>(left + (full & kWordBits));
+    w.cur += full & kWordBytes;
+}
+
+inline int32_t write(QORV_BSW &w, uint32_t value, int32_t n) {
+    if (!is_plain(w, n)) [[unlikely]]
+        return write_any(w, value, n);
+    append(w, shift_left(value, kWordBits - n), n);
     return QORV_OK;
 }
 
@@ -105,9 +137,14 @@ extern "C" int32_t qorv_bsw_write(QORV_BSW *bsw, uint32_t value, int32_t n) {
 
 extern "C" void qorv_bsw_write_ue(QORV_BSW *bsw, uint32_t value) {
     const uint32_t x = value + 1;
+    if (value <= kMaxPlainValue && is_plain(*bsw, 0)) [[likely]] {
+        // The code is x after as many zeros as x has bits after its first.
+        const int32_t k = floor_log2(x);
+        return append(*bsw, x << (kWordBits - golomb_length(k)), golomb_length(k));
+    }
     const int32_t k = golomb_log2(x);
     const uint32_t top = 1u << k;
-    write(*bsw, ((x - top) & (top - 1)) | top, golomb_length(k));
+    write_any(*bsw, ((x - top) & (top - 1)) | top, golomb_length(k));
 }
 
 extern "C" void qorv_bsw_write_se(QORV_BSW *bsw, int32_t value) {

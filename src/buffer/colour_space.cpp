@@ -1,5 +1,7 @@
 #include "buffer/colour_space.h"
 
+using namespace qorv;
+
 namespace qorv {
 
 namespace {
@@ -47,8 +49,6 @@ uint32_t packed_rgb_bytes(uint32_t cs) {
 }
 
 }  // namespace qorv
-
-using namespace qorv;
 
 extern "C" int32_t qorv_imgb_get_dimension(uint32_t cs, uint32_t *widths, uint32_t *heights, uint32_t *plane_count,
                                            uint32_t *units) {

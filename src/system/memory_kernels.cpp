@@ -1,5 +1,6 @@
 #include "system/memory_kernels.h"
 
+#include "core/hide_origin.h"
 #include "core/isa.h"
 #include "core/simd.h"
 
@@ -44,40 +45,86 @@ void fill16(void *dst, uint16_t value, size_t n) {
     for (size_t i = 0; i < n; i++) memcpy(bytes + 2 * i, &value, 2);
 }
 
-// A row in the fewest loads and stores, none of them beyond it.
 template <int Bytes>
-[[gnu::always_inline]] inline void copy_row(uint8_t *dst, const uint8_t *src) {
-    constexpr int kStep = Bytes >= kVectorBytes ? kVectorBytes : Bytes >= 16 ? 16 : Bytes >= 8 ? 8 : Bytes >= 4 ? 4 : 2;
-    if constexpr (kStep >= 16) {
-        store(dst, load<Vec<uint8_t, kStep>>(src));
-    } else {
-        memcpy(dst, src, kStep);
+[[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_piece(const uint8_t *src) {
+    auto piece = load<Vec<uint8_t, Bytes>>(src);
+#ifndef QORV_SIMD_PLAIN
+    // A compiler would take vectors that are only copied through pairs of general registers.
+    if constexpr (Bytes >= 16) hide_origin(piece);
+#endif
+    return piece;
+}
+
+template <class V>
+[[gnu::always_inline]] inline void store_piece(uint8_t *dst, const V &piece) {
+    store(dst, piece);
+}
+
+#ifdef QORV_SIMD_NEON
+constexpr int kMostBytes = 64;
+
+template <int Bytes>
+requires(Bytes == 64) [[gnu::always_inline]] inline uint8x16x4_t load_piece(const uint8_t *src) {
+    return vld1q_u8_x4(src);
+}
+
+[[gnu::always_inline]] inline void store_piece(uint8_t *dst, const uint8x16x4_t &piece) {
+    vst1q_u8_x4(dst, piece);
+}
+#else
+constexpr int kMostBytes = kVectorBytes;
+#endif
+
+constexpr int largest_piece(int bytes) {
+    return bytes >= kMostBytes ? kMostBytes : bytes >= 16 ? 16 : bytes >= 8 ? 8 : bytes >= 4 ? 4 : 2;
+}
+
+// Copies rows in the fewest loads and stores, none of them beyond a row. What is loaded is stored after all that comes
+// behind it has been loaded.
+template <int Bytes, int Rows, int At = 0>
+[[gnu::always_inline]] inline void copy_together(uint8_t *dst, const uint8_t *src, ptrdiff_t dst_stride,
+                                                 ptrdiff_t src_stride) {
+    if constexpr (At < Bytes) {
+        constexpr int kStep = largest_piece(Bytes - At);
+        const auto piece = load_piece<kStep>(src + At);
+        copy_together<Bytes, Rows, At + kStep>(dst, src, dst_stride, src_stride);
+        store_piece(dst + At, piece);
+    } else if constexpr (Rows > 1) {
+        copy_together<Bytes, Rows - 1>(dst + dst_stride, src + src_stride, dst_stride, src_stride);
     }
-    if constexpr (Bytes > kStep) copy_row<Bytes - kStep>(dst + kStep, src + kStep);
 }
 
 template <int Bytes>
 void copy_rows(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t rows) {
     uint8_t *to = static_cast<uint8_t *>(dst);
     const uint8_t *from = static_cast<const uint8_t *>(src);
-    for (; rows > 1; rows -= 2) {
-        copy_row<Bytes>(to, from);
-        copy_row<Bytes>(to + dst_stride, from + src_stride);
-        to += 2 * dst_stride;
-        from += 2 * src_stride;
+    if (rows < 1) return;
+    if (rows % 2 != 0) {  // first: behind the loop its pointers would have to be there
+        copy_together<Bytes, 1>(to, from, dst_stride, src_stride);
+        to += dst_stride;
+        from += src_stride;
     }
-    if (rows == 1) copy_row<Bytes>(to, from);
+    for (rows /= 2; rows > 0; rows--, from += 2 * src_stride, to += 2 * dst_stride) {
+        copy_together<Bytes, 2>(to, from, dst_stride, src_stride);
+    }
+}
+
+// The copiers of the widths from kBlockWidths[Place] on, in samples of `Bytes` bytes.
+template <int Bytes, int Place = 0>
+constexpr void list_copiers(CopyRows *copiers) {
+    copiers[Place] = copy_rows<Bytes * kBlockWidths[Place]>;
+    if constexpr (Place + 1 < kBlockWidthCount) list_copiers<Bytes, Place + 1>(copiers);
+}
+
+constexpr MemoryKernels list_kernels() {
+    MemoryKernels kernels = {fill16, {}};
+    list_copiers<1>(kernels.copy_rows[0]);
+    list_copiers<2>(kernels.copy_rows[1]);
+    return kernels;
 }
 
 }  // namespace
 
-#define QORV_COPY_ROWS(sample)                                                                              \
-    {                                                                                                       \
-        copy_rows<2 * sample>, copy_rows<4 * sample>, copy_rows<6 * sample>, copy_rows<8 * sample>,         \
-            copy_rows<12 * sample>, copy_rows<16 * sample>, copy_rows<24 * sample>, copy_rows<32 * sample>, \
-            copy_rows<48 * sample>, copy_rows<64 * sample>                                                  \
-    }
-
-constinit const MemoryKernels memory_kernels = {fill16, {QORV_COPY_ROWS(1), QORV_COPY_ROWS(2)}};
+constinit const MemoryKernels memory_kernels = list_kernels();
 
 }  // namespace qorv::QORV_ISA

@@ -7,27 +7,27 @@ struct Known {
     int32_t id;
 };
 
-constexpr uint32_t fcc(const char (&text)[5]) {
+constexpr uint32_t code(const char (&text)[5]) {
     return QORV_FCC(text[0], text[1], text[2], text[3]);
 }
 
 constexpr Known kVideo[] = {
-    {fcc("DX50"), QORV_MT_VID_MPEG4}, {fcc("dx50"), QORV_MT_VID_MPEG4}, {fcc("DIV4"), QORV_MT_VID_MPEG4},
-    {fcc("div4"), QORV_MT_VID_MPEG4}, {fcc("DIVX"), QORV_MT_VID_MPEG4}, {fcc("divx"), QORV_MT_VID_MPEG4},
-    {fcc("XVID"), QORV_MT_VID_MPEG4}, {fcc("xvid"), QORV_MT_VID_MPEG4}, {fcc("FMP4"), QORV_MT_VID_MPEG4},
-    {fcc("M4S2"), QORV_MT_VID_MPEG4}, {fcc("m4s2"), QORV_MT_VID_MPEG4}, {fcc("MP4V"), QORV_MT_VID_MPEG4},
-    {fcc("mp4v"), QORV_MT_VID_MPEG4}, {fcc("H263"), QORV_MT_VID_H263},  {fcc("h263"), QORV_MT_VID_H263},
-    {fcc("d263"), QORV_MT_VID_H263},  {fcc("s263"), QORV_MT_VID_H263},  {fcc("AVC1"), QORV_MT_VID_H264},
-    {fcc("avc1"), QORV_MT_VID_H264},  {fcc("avcC"), QORV_MT_VID_H264},  {fcc("H264"), QORV_MT_VID_H264},
-    {fcc("h264"), QORV_MT_VID_H264},  {fcc("x264"), QORV_MT_VID_H264},  {fcc("WMV1"), QORV_MT_VID_WMV1},
-    {fcc("wmv1"), QORV_MT_VID_WMV1},  {fcc("WMV2"), QORV_MT_VID_WMV2},  {fcc("wmv2"), QORV_MT_VID_WMV2},
-    {fcc("WMV3"), QORV_MT_VID_WMV3},  {fcc("wmv3"), QORV_MT_VID_WMV3},  {fcc("DIV3"), QORV_MT_VID_DIV3},
-    {fcc("div3"), QORV_MT_VID_DIV3},  {fcc("RV10"), QORV_MT_VID_RV10},  {fcc("RV20"), QORV_MT_VID_RV20},
-    {fcc("RV30"), QORV_MT_VID_RV30},  {fcc("RV40"), QORV_MT_VID_RV40},  {fcc("MP43"), QORV_MT_VID_MP43},
-    {fcc("mp43"), QORV_MT_VID_MP43},  {fcc("WVC1"), QORV_MT_VID_VC1},   {fcc("wvc1"), QORV_MT_VID_VC1},
-    {fcc("VP80"), QORV_MT_VID_VP8},   {fcc("HVC1"), QORV_MT_VID_HEVC},  {fcc("hvc1"), QORV_MT_VID_HEVC},
-    {fcc("hvcC"), QORV_MT_VID_HEVC},  {fcc("H265"), QORV_MT_VID_HEVC},  {fcc("h265"), QORV_MT_VID_HEVC},
-    {fcc("x265"), QORV_MT_VID_HEVC},  {fcc("HFYU"), QORV_MT_VID_HFYU},
+    {code("DX50"), QORV_MT_VID_MPEG4}, {code("dx50"), QORV_MT_VID_MPEG4}, {code("DIV4"), QORV_MT_VID_MPEG4},
+    {code("div4"), QORV_MT_VID_MPEG4}, {code("DIVX"), QORV_MT_VID_MPEG4}, {code("divx"), QORV_MT_VID_MPEG4},
+    {code("XVID"), QORV_MT_VID_MPEG4}, {code("xvid"), QORV_MT_VID_MPEG4}, {code("FMP4"), QORV_MT_VID_MPEG4},
+    {code("M4S2"), QORV_MT_VID_MPEG4}, {code("m4s2"), QORV_MT_VID_MPEG4}, {code("MP4V"), QORV_MT_VID_MPEG4},
+    {code("mp4v"), QORV_MT_VID_MPEG4}, {code("H263"), QORV_MT_VID_H263},  {code("h263"), QORV_MT_VID_H263},
+    {code("d263"), QORV_MT_VID_H263},  {code("s263"), QORV_MT_VID_H263},  {code("AVC1"), QORV_MT_VID_H264},
+    {code("avc1"), QORV_MT_VID_H264},  {code("avcC"), QORV_MT_VID_H264},  {code("H264"), QORV_MT_VID_H264},
+    {code("h264"), QORV_MT_VID_H264},  {code("x264"), QORV_MT_VID_H264},  {code("WMV1"), QORV_MT_VID_WMV1},
+    {code("wmv1"), QORV_MT_VID_WMV1},  {code("WMV2"), QORV_MT_VID_WMV2},  {code("wmv2"), QORV_MT_VID_WMV2},
+    {code("WMV3"), QORV_MT_VID_WMV3},  {code("wmv3"), QORV_MT_VID_WMV3},  {code("DIV3"), QORV_MT_VID_DIV3},
+    {code("div3"), QORV_MT_VID_DIV3},  {code("RV10"), QORV_MT_VID_RV10},  {code("RV20"), QORV_MT_VID_RV20},
+    {code("RV30"), QORV_MT_VID_RV30},  {code("RV40"), QORV_MT_VID_RV40},  {code("MP43"), QORV_MT_VID_MP43},
+    {code("mp43"), QORV_MT_VID_MP43},  {code("WVC1"), QORV_MT_VID_VC1},   {code("wvc1"), QORV_MT_VID_VC1},
+    {code("VP80"), QORV_MT_VID_VP8},   {code("HVC1"), QORV_MT_VID_HEVC},  {code("hvc1"), QORV_MT_VID_HEVC},
+    {code("hvcC"), QORV_MT_VID_HEVC},  {code("H265"), QORV_MT_VID_HEVC},  {code("h265"), QORV_MT_VID_HEVC},
+    {code("x265"), QORV_MT_VID_HEVC},  {code("HFYU"), QORV_MT_VID_HFYU},
 };
 
 // WAVE format tags and four-character codes side by side: no code is as small as a tag.
@@ -44,26 +44,26 @@ constexpr Known kAudio[] = {
     {355, QORV_MT_AUD_WMA_LOSSLESS},
     {8192, QORV_MT_AUD_AC3},
     {8193, QORV_MT_AUD_DTS},
-    {fcc("aac "), QORV_MT_AUD_AAC},
-    {fcc("mp4a"), QORV_MT_AUD_AAC},
-    {fcc("samr"), QORV_MT_AUD_AMR_NB},
-    {fcc("sawb"), QORV_MT_AUD_AMR_WB},
-    {fcc("sqcp"), QORV_MT_AUD_QCELP},
-    {fcc("dqcp"), QORV_MT_AUD_QCELP},
-    {fcc("evrc"), QORV_MT_AUD_EVRC},
-    {fcc("sipr"), QORV_MT_AUD_SIPR},
-    {fcc("cook"), QORV_MT_AUD_COOK},
+    {code("aac "), QORV_MT_AUD_AAC},
+    {code("mp4a"), QORV_MT_AUD_AAC},
+    {code("samr"), QORV_MT_AUD_AMR_NB},
+    {code("sawb"), QORV_MT_AUD_AMR_WB},
+    {code("sqcp"), QORV_MT_AUD_QCELP},
+    {code("dqcp"), QORV_MT_AUD_QCELP},
+    {code("evrc"), QORV_MT_AUD_EVRC},
+    {code("sipr"), QORV_MT_AUD_SIPR},
+    {code("cook"), QORV_MT_AUD_COOK},
 };
 
 constexpr Known kSubtitle[] = {
-    {fcc("SSRT"), QORV_MT_SUB_SRT},  {fcc("TX3G"), QORV_MT_SUB_TX3G}, {fcc("tx3g"), QORV_MT_SUB_TX3G},
-    {fcc("SBTL"), QORV_MT_SUB_TX3G}, {fcc("sbtl"), QORV_MT_SUB_TX3G}, {fcc("SASS"), QORV_MT_SUB_ASS},
-    {fcc("SSSA"), QORV_MT_SUB_SSA},
+    {code("SSRT"), QORV_MT_SUB_SRT},  {code("TX3G"), QORV_MT_SUB_TX3G}, {code("tx3g"), QORV_MT_SUB_TX3G},
+    {code("SBTL"), QORV_MT_SUB_TX3G}, {code("sbtl"), QORV_MT_SUB_TX3G}, {code("SASS"), QORV_MT_SUB_ASS},
+    {code("SSSA"), QORV_MT_SUB_SSA},
 };
 
 constexpr Known kDrm[] = {
-    {fcc("divx"), QORV_MT_DRM_DIVX},
-    {fcc("DIVX"), QORV_MT_DRM_DIVX},
+    {code("divx"), QORV_MT_DRM_DIVX},
+    {code("DIVX"), QORV_MT_DRM_DIVX},
 };
 
 template <size_t kCount>
