@@ -15,7 +15,6 @@ namespace tool {
 namespace {
 
 constexpr size_t kBufferBytes = 1 << 16;
-constexpr size_t kGrowBytes = 1 << 22;
 
 }  // namespace
 
@@ -74,7 +73,7 @@ std::vector<uint8_t> Input::read_all(uint64_t most) {
     std::vector<uint8_t> data;
     while (data.size() < most) {
         const size_t had = data.size();
-        const size_t wanted = static_cast<size_t>(std::min<uint64_t>(kGrowBytes, most - had));
+        const size_t wanted = static_cast<size_t>(std::min<uint64_t>(std::max(kBufferBytes, had), most - had));
         data.resize(had + wanted);
         const size_t got = read(data.data() + had, wanted);
         data.resize(had + got);

@@ -12,7 +12,7 @@ namespace tool {
 namespace {
 
 constexpr size_t kMaxLine = 1024;  // bytes of a header or frame line
-constexpr size_t kReadBytes = 1 << 22;
+constexpr size_t kReadBytes = 1 << 20;
 constexpr const char kMagic[] = "YUV4MPEG2";
 
 }  // namespace
