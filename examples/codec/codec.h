@@ -14,10 +14,10 @@
 #include <stdlib.h>
 #include <string.h>
 
-enum { MAX_SIDE = 4096, MAX_BLOCKS = MAX_SIDE / 16, MAX_THREADS = 64, MAX_QP = 51 };
+/* GROUP: blocks of a row between two messages to the row below. */
+enum { MAX_SIDE = 4096, MAX_BLOCKS = MAX_SIDE / 16, GROUP = 4, MAX_THREADS = 64, MAX_QP = 51 };
 enum { SKIP, INTER, DC, HORIZONTAL, VERTICAL, KINDS }; /* of blocks; intra from DC on */
 enum { TILES = 24 };                                   /* 4x4 blocks in a block: 4 for each luma quarter, Cb and Cr */
-enum { GROUP = 4 };                                    /* blocks between two messages of a row to the row below */
 
 typedef struct {
     int32_t width, height; /* 0: no sequence yet */

@@ -44,12 +44,12 @@ bool decode_next(Codec *codec) {
     Bits bits;
     codec->error = NULL;
     while (codec->error == NULL && unit.type != 'P' && next_unit(codec->stream, codec->size, &codec->at, &unit)) {
-        if (unit.type == 'R') continue; /* of a picture that is lost */
+        if (unit.type == 'R' && codec->reference == NULL) continue; /* of a picture that is lost */
         Header header = codec->header;
         codec->offset = unit.offset;
         codec->ended = unit.type == 'E';
         read_begin(&bits, &unit);
-        if (!code_header(&bits, &header, unit.type))
+        if (unit.type == 'R' || !code_header(&bits, &header, unit.type))
             codec->error = "a header is damaged, or missing";
         else if (unit.type == 'S')
             codec->error = take_sequence(codec, &header);

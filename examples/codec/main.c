@@ -80,7 +80,7 @@ static int decode(const char *in, const char *out) {
     QORV_BITB *bytes = load(in, &codec.size);
     codec.stream = bytes->buf;
     need(out == NULL || output_open(&output, out), out, "cannot be written");
-    decode_from(&codec, (uint32_t)from);
+    if (from > 0) decode_from(&codec, (uint32_t)from);
     while (decode_next(&codec)) {
         const char *wrong = codec.error;
         if (wrong != NULL) {
