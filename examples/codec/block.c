@@ -78,13 +78,14 @@ Vector vector_clamp(const Codec *codec, int row, int column, int x, int y) {
 void predict_inter(const Codec *codec, int plane, int row, int column, Vector vector, uint8_t *to, int to_stride) {
     const int side = plane == 0 ? 16 : 8, scale = plane == 0 ? 2 : 1, x = scale * vector.x, y = scale * vector.y;
     const int stride = codec->reference->s[plane], right = x & 3, down = y & 3;
-    const int a = (4 - right) * (4 - down), b = right * (4 - down), c = (4 - right) * down, d = right * down;
+    const uint8_t a = (uint8_t)((4 - right) * (4 - down)), b = (uint8_t)(right * (4 - down));
+    const uint8_t c = (uint8_t)((4 - right) * down), d = (uint8_t)(right * down);
     const uint8_t *from = sample_at(codec->reference, plane, side * column + (x >> 2), side * row + (y >> 2));
     if (a == 16) qorv_mcpy_blk(to, from, to_stride, stride, side, side);
     for (int j = 0; a < 16 && j < side; j++, from += stride, to += to_stride) {
         const uint8_t *below = from + stride;
         for (int i = 0; i < side; i++) {
-            to[i] = (uint8_t)((a * from[i] + b * from[i + 1] + c * below[i] + d * below[i + 1] + 8) >> 4);
+            to[i] = (uint8_t)((uint16_t)(a * from[i] + b * from[i + 1] + c * below[i] + d * below[i + 1] + 8) >> 4);
         }
     }
 }
