@@ -65,6 +65,14 @@ struct ScaledDest {
     }
 };
 
+template <class Byte>
+bool all_tight(const Planes<Byte> &planes, ptrdiff_t w) {
+    for (int i = 0; i < planes.count; i++) {
+        if (planes.plane[i].stride != w * planes.plane[i].step) return false;
+    }
+    return true;
+}
+
 // The loop over pixels, where order counts for all of them.
 void convert_one_by_one(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
     (pixel::csc_kernels.*kernel)(src.p, src.stride, dst.p, dst.stride, size.w, size.h);
@@ -73,10 +81,10 @@ void convert_one_by_one(const SourcePicture &src, const DestPicture &dst, Size s
 }  // namespace
 
 void convert_other(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel, bool clear) {
-    if (tight(src, size.w) && tight(dst, size.w)) size = {size.w * size.h, 1};
     if (size.w * size.h <= kFew) return convert_one_by_one(src, dst, size, kernel);
     const Planes<const uint8_t> in = planes_of(src);
     const Planes<uint8_t> out = planes_of(dst);
+    if (all_tight(in, size.w) && all_tight(out, size.w)) size = {size.w * size.h, 1};
     const bool free = clear || apart(in, size, out, size), narrow = size.w < kNarrow;
     const bool read_direct = free && canonical(src), write_direct = free && canonical(dst);
     if (read_direct && write_direct && size.w >= kLeastBlock) {

@@ -31,7 +31,9 @@ template <Layout kSource, Layout kDest>
     const SourcePicture from = picture_of<const uint8_t>(kSource, src, src_stride);
     const DestPicture to = picture_of<uint8_t>(kDest, dst, dst_stride);
     const Size size{w, h};
-    const bool clear = canonical(from) && canonical(to) && clearly_apart(from, to, size);
+    // Many planes against many take more comparisons than fit in here.
+    constexpr bool kQuick = canonical_planes(kSource) == 1 || canonical_planes(kDest) == 1;
+    const bool clear = kQuick && canonical(from) && canonical(to) && clearly_apart(from, to, size);
     if (clear) {
         // Rows one directly after the other are one long row.
         const Size rows = tight(from, w) && tight(to, w) ? Size{size.w * h, 1} : size;

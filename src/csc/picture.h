@@ -72,7 +72,7 @@ struct Plane {
 };
 
 // The planes of a canonical picture.
-[[gnu::always_inline]] inline int canonical_planes(const Layout &layout) {
+[[gnu::always_inline]] constexpr int canonical_planes(const Layout &layout) {
     return layout.arrangement == Arrangement::kInterleaved ? 1 : layout.count;
 }
 template <class Byte>

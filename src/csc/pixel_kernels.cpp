@@ -13,13 +13,6 @@ namespace qorv::QORV_ISA {
 
 namespace {
 
-template <int Bytes>
-void reorder(const uint8_t *src, uint8_t *dst, const uint8_t *order, ptrdiff_t n) {
-    for (; n > 0; n--, src += Bytes, dst += Bytes) {
-        for (int i = 0; i < Bytes; i++) dst[i] = src[order[i]];
-    }
-}
-
 // The two samples between which a position lies, and the weight of the second in eighths. A neighbour of weight 0 may
 // not exist.
 struct Neighbours {
@@ -60,8 +53,8 @@ void scale(const Grid &grid, const uint8_t *const *src, const ptrdiff_t *src_str
 constinit const CscKernels csc_kernels = {
     .block = 1,
     .narrower = nullptr,
-    .reorder3 = reorder<3>,
-    .reorder4 = reorder<4>,
+    .reorder3 = nullptr,  // stages are for blocks
+    .reorder4 = nullptr,
     .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
