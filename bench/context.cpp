@@ -44,7 +44,7 @@ std::string kernel_set() {
 #if defined(__x86_64__)
     return qorv::has_x86_64_v3() ? "x86-64-v3 (AVX2)" : "x86-64-v2 (SSE4.2)";
 #elif defined(__aarch64__)
-    return "NEON";
+    return qorv::has_dot_products() ? "NEON, dot products" : "NEON";
 #else
     return "plain C++";
 #endif

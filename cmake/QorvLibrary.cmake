@@ -16,12 +16,17 @@ elseif(QORV_X86_64)
   set(QORV_ISAS v2 v3)
 elseif(QORV_AARCH64)
   set(QORV_ISAS neon)
+  set(QORV_PARTIAL_ISAS dotprod)  # on top of QORV_ISAS: a few functions alone
 else()
   set(QORV_ISAS plain)
 endif()
 # The baseline set runs on processors of more than ten years ago alone: there, size counts for more than the last cycles.
 set(QORV_ISA_FLAGS_v2 -march=x86-64-v2 -Os -DQORV_SMALL_KERNELS)
 set(QORV_ISA_FLAGS_v3 -march=x86-64-v3)
+set(QORV_ISA_FLAGS_dotprod -march=armv8.2-a+dotprod -DQORV_PARTIAL_SET)
+if(NOT QORV_ISAS MATCHES ";")
+  set(QORV_ONLY_SET QORV_ONLY_SET)  # kernels may be the exported functions themselves
+endif()
 if(QORV_SANITIZE)
   # With a check at every access, the plain set's unrolled blocks would take the compiler minutes.
   set(QORV_ISA_FLAGS_plain -Os -DQORV_SMALL_KERNELS)
@@ -48,7 +53,8 @@ if(NOT QORV_SANITIZE AND NOT ANDROID)
   target_compile_options(qorv_objects PRIVATE
     $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
 endif()
-foreach(isa ${QORV_ISAS})
+target_compile_definitions(qorv_objects PRIVATE ${QORV_ONLY_SET})
+foreach(isa ${QORV_ISAS} ${QORV_PARTIAL_ISAS})
   target_compile_definitions(qorv_objects PRIVATE QORV_HAVE_${isa})
 endforeach()
 
@@ -64,6 +70,13 @@ function(qorv_kernel_sources)
   endforeach()
 endfunction()
 
+# Those that a set of QORV_PARTIAL_ISAS is compiled from.
+function(qorv_partial_kernel_sources)
+  foreach(source ${ARGN})
+    set_property(GLOBAL APPEND PROPERTY QORV_PARTIAL_KERNEL_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/${source})
+  endforeach()
+endfunction()
+
 # An object library of kernel sources, compiled for one instruction set.
 function(qorv_add_kernel_objects target isa)
   add_library(${target} OBJECT ${ARGN})
@@ -73,10 +86,17 @@ function(qorv_add_kernel_objects target isa)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
 
-# The one of all the library's kernel sources.
+# The one of all the library's kernel sources, or of those that a partial set has.
 function(qorv_add_kernels isa)
-  get_property(sources GLOBAL PROPERTY QORV_KERNEL_SOURCES)
+  if(isa IN_LIST QORV_PARTIAL_ISAS)
+    get_property(sources GLOBAL PROPERTY QORV_PARTIAL_KERNEL_SOURCES)
+  else()
+    get_property(sources GLOBAL PROPERTY QORV_KERNEL_SOURCES)
+  endif()
   qorv_add_kernel_objects(qorv_kernels_${isa} ${isa} ${sources})
+  if(isa STREQUAL QORV_ISAS)
+    target_compile_definitions(qorv_kernels_${isa} PRIVATE ${QORV_ONLY_SET})
+  endif()
 endfunction()
 
 # The linker's version script is made from the list of exported names, which get the version QORV_<major>.
@@ -117,7 +137,7 @@ endfunction()
 function(qorv_finish_library)
   qorv_leave_pictures_unfortified()
   set(objects $<TARGET_OBJECTS:qorv_objects>)
-  foreach(isa ${QORV_ISAS})
+  foreach(isa ${QORV_ISAS} ${QORV_PARTIAL_ISAS})
     qorv_add_kernels(${isa})
     list(APPEND objects $<TARGET_OBJECTS:qorv_kernels_${isa}>)
   endforeach()

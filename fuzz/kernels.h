@@ -7,7 +7,7 @@
 namespace fuzz {
 
 inline void choose_kernels(Input &input) {
-    const auto &sets = test::runnable_kernel_sets();
+    const auto &sets = test::runnable_metric_sets();
     qorv::active = sets[input.byte() % sets.size()];
 }
 

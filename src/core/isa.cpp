@@ -16,7 +16,15 @@ namespace {
 }  // namespace
 
 #elif defined(QORV_HAVE_neon)
+
 constinit KernelSet active = QORV_KERNEL_SET(neon);
+
+namespace {
+[[gnu::constructor]] void choose_kernel_set() {
+    if (has_dot_products()) active = QORV_DOTPROD_KERNEL_SET;
+}
+}  // namespace
+
 #else
 constinit KernelSet active = QORV_KERNEL_SET(plain);
 #endif

@@ -47,6 +47,16 @@ QORV_DECLARE_KERNELS(v3)
 QORV_DECLARE_KERNELS(neon)
 QORV_DECLARE_KERNELS(plain)
 
+// NEON with dot products: it has metrics of its own, or rather one, and is NEON for the rest.
+namespace dotprod {
+extern QORV_INTERNAL const MetricKernels metric_kernels;
+}
+#define QORV_DOTPROD_KERNEL_SET                                                                                 \
+    ::qorv::KernelSet {                                                                                         \
+        "dotprod", &::qorv::neon::csc_kernels, &::qorv::neon::memory_kernels, &::qorv::dotprod::metric_kernels, \
+            &::qorv::neon::resize_kernels,                                                                      \
+    }
+
 // The set in use: the baseline of the architecture, moved once, by a constructor of the library, to the best set that
 // the processor has. Tests move it to run every variant.
 extern QORV_INTERNAL KernelSet active;

@@ -24,3 +24,19 @@ inline bool has_x86_64_v3() {
 }  // namespace qorv
 
 #endif
+
+#if defined(__aarch64__)
+
+#include <sys/auxv.h>
+
+namespace qorv {
+
+// Whether it has UDOT and SDOT.
+inline bool has_dot_products() {
+    constexpr unsigned long kAsimdDp = 1UL << 20;  // HWCAP_ASIMDDP, which older headers lack
+    return (getauxval(AT_HWCAP) & kAsimdDp) != 0;
+}
+
+}  // namespace qorv
+
+#endif

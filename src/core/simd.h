@@ -11,6 +11,8 @@
 #include <stdint.h>
 #include <string.h>
 
+#include "core/hide_origin.h"
+
 // What each kernel set is built with: whose primitives, and the bytes of its register.
 #if defined(QORV_ISA_IS_v3)
 #define QORV_SIMD_X86 1
@@ -18,7 +20,7 @@
 #elif defined(QORV_ISA_IS_v2)
 #define QORV_SIMD_X86 1
 #define QORV_VECTOR_BYTES 16
-#elif defined(QORV_ISA_IS_neon)
+#elif defined(QORV_ISA_IS_neon) || defined(QORV_ISA_IS_dotprod)
 #define QORV_SIMD_NEON 1
 #define QORV_VECTOR_BYTES 16
 #else

@@ -57,6 +57,29 @@ template <int Bytes>
     return load<U8>(p + offsets[0]);
 }
 
+[[gnu::always_inline]] inline void store_pair(int16_t *p, Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
+#ifdef __clang__
+    store(p, a);
+    store(p + 8, b);
+#else  // g++ does not see the pair
+    auto *to = (Vec<int16_t, 16> *)p;
+    asm("stp %q2, %q3, %0" : "=Ump"(to[0]), "=m"(to[1]) : "w"(a), "w"(b));
+#endif
+}
+
+// clang would gather the word into a vector of zeros.
+[[gnu::always_inline]] inline Vec<uint8_t, 8> load_word(const void *p) {
+    uint32_t word;
+#ifdef __clang__
+    Vec<uint8_t, 8> v;
+    asm("ldr %s0, %1" : "=w"(v) : "m"(*(const char(*)[sizeof word])p));
+    return v;
+#else
+    memcpy(&word, p, sizeof word);
+    return (Vec<uint8_t, 8>)Vec<uint32_t, 8>{word, 0};
+#endif
+}
+
 // ---- Arithmetic ----
 
 // sum + C v of the lower or the upper half of v.
@@ -155,6 +178,23 @@ constexpr bool kHasSumsAndDifferences = false;
 
 // ---- Widen and narrow ----
 
+[[gnu::always_inline]] inline void subtract_widened(Vec<int16_t, 16> a, Vec<int16_t, 16> b, Vec<int32_t, 16> &lo,
+                                                    Vec<int32_t, 16> &hi) {
+    const int16x8_t va = (int16x8_t)a, vb = (int16x8_t)b;
+    lo = (Vec<int32_t, 16>)vsubl_s16(vget_low_s16(va), vget_low_s16(vb));
+    hi = (Vec<int32_t, 16>)vsubl_high_s16(va, vb);
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_widened(Vec<uint8_t, 8> a, Vec<uint8_t, 8> b) {
+    return (Vec<int16_t, 16>)vsubl_u8((uint8x8_t)a, (uint8x8_t)b);
+}
+
+template <bool Upper>
+[[gnu::always_inline]] inline Vec<int16_t, 16> subtract_widened(Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    const uint8x16_t va = (uint8x16_t)a, vb = (uint8x16_t)b;
+    return (Vec<int16_t, 16>)(Upper ? vsubl_high_u8(va, vb) : vsubl_u8(vget_low_u8(va), vget_low_u8(vb)));
+}
+
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
     return (U8)vuzp2q_u8((uint8x16_t)w.lo, (uint8x16_t)w.hi);
 }
@@ -230,27 +270,72 @@ template <int Bytes, class V>
 
 // ---- Reduce ----
 
+// Each addition to a sum hides it: clang would make one chain of several sums, g++ would copy them between registers.
+
 template <int Bytes>
-using ByteDistances = Vec<uint16_t, Bytes>;
+using ByteDistances = Vec<uint16_t, 16>;
 constexpr int kMaxByteDistances = 128;  // each adds at most 2 x 255 to a 16-bit lane
 
 [[gnu::always_inline]] inline void add_byte_distances(Vec<uint16_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     sum = (Vec<uint16_t, 16>)vpadalq_u8((uint16x8_t)sum, vabdq_u8((uint8x16_t)a, (uint8x16_t)b));
+    hide_origin(sum);
 }
+
+[[gnu::always_inline]] inline void add_byte_distances(Vec<uint16_t, 16> &sum, Vec<uint8_t, 8> a, Vec<uint8_t, 8> b) {
+    sum = (Vec<uint16_t, 16>)vabal_u8((uint16x8_t)sum, (uint8x8_t)a, (uint8x8_t)b);
+    hide_origin(sum);
+}
+
+#ifdef __ARM_FEATURE_DOTPROD
+
+template <int Bytes>
+using ByteSquares = Vec<uint32_t, Bytes>;
+
+// Four products at a time.
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
+    const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
+    sum = (Vec<uint32_t, 16>)vdotq_u32((uint32x4_t)sum, d, d);
+    hide_origin(sum);
+}
+
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 8> &sum, Vec<uint8_t, 8> a, Vec<uint8_t, 8> b) {
+    const uint8x8_t d = vabd_u8((uint8x8_t)a, (uint8x8_t)b);
+    sum = (Vec<uint32_t, 8>)vdot_u32((uint32x2_t)sum, d, d);
+}
+
+[[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 8> a) {
+    return vaddv_u32((uint32x2_t)a);
+}
+
+#else
+
+template <int Bytes>
+using ByteSquares = Vec<uint32_t, 16>;
 
 [[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     const uint8x16_t d = vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
     const uint32x4_t lo = vpadalq_u16((uint32x4_t)sum, vmull_u8(vget_low_u8(d), vget_low_u8(d)));
     sum = (Vec<uint32_t, 16>)vpadalq_u16(lo, vmull_high_u8(d, d));
+    hide_origin(sum);
 }
+
+[[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 8> a, Vec<uint8_t, 8> b) {
+    const uint8x8_t d = vabd_u8((uint8x8_t)a, (uint8x8_t)b);
+    sum = (Vec<uint32_t, 16>)vpadalq_u16((uint32x4_t)sum, vmull_u8(d, d));
+    hide_origin(sum);
+}
+
+#endif
 
 [[gnu::always_inline]] inline void add_pairs(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
     sum = (Vec<uint32_t, 16>)vpadalq_u16((uint32x4_t)sum, (uint16x8_t)a);
+    hide_origin(sum);
 }
 
 [[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
     const uint16x8_t v = (uint16x8_t)a;
     sum = (Vec<uint32_t, 16>)vmlal_high_u16(vmlal_u16((uint32x4_t)sum, vget_low_u16(v), vget_low_u16(v)), v, v);
+    hide_origin(sum);
 }
 
 [[gnu::always_inline]] inline Vec<uint16_t, 16> max_of_pairs(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {

@@ -76,6 +76,9 @@ template <int Bytes>
     return load<U8>(p + offsets[0]);
 }
 
+// NEON alone: store_pair(p, a, b), two vectors of words one after the other, and load_word(p), 4 bytes as a vector of 8
+// whose other bytes are 0.
+
 // ---- Arithmetic ----
 
 // A a + B b of bytes, in 16 bits. A and B are in -128..127, at most one of them below 0, and every sum within 16 bits
@@ -160,6 +163,16 @@ template <class V>
 constexpr bool kHasSumsAndDifferences = false;
 
 // ---- Widen and narrow ----
+
+// a - b of signed words in 32 bits, the lower half of the lanes and the upper one, or so of each 128-bit lane.
+[[gnu::always_inline]] inline void subtract_widened(Vec<int16_t, 16> a, Vec<int16_t, 16> b, Vec<int32_t, 16> &lo,
+                                                    Vec<int32_t, 16> &hi) {
+    lo = each_lane<Vec<int32_t, 16>>([&](int i) { return a[i] - b[i]; });
+    hi = each_lane<Vec<int32_t, 16>>([&](int i) { return a[i + 4] - b[i + 4]; });
+}
+
+// NEON alone: subtract_widened() of two vectors of 8 bytes, and subtract_widened<Upper>() of the lower or the upper half
+// of 16 bytes.
 
 // Bits 15..8 of each lane.
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
@@ -254,10 +267,15 @@ template <int Bytes>
 using ByteDistances = Vec<uint32_t, Bytes>;
 constexpr int kMaxByteDistances = 1 << 20;
 
-// Adds |a - b| of every byte to some lane.
+// Adds |a - b| of every byte to some lane. Where single rows of 4 or 8 bytes are to be taken by themselves, this and the
+// next one also take vectors of 8 bytes.
 [[gnu::always_inline]] inline void add_byte_distances(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
 }
+
+// The type of the sums of add_byte_squares().
+template <int Bytes>
+using ByteSquares = Vec<uint32_t, Bytes>;
 
 // Adds (a - b)^2 of every byte to some lane, modulo 2^32.
 [[gnu::always_inline]] inline void add_byte_squares(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {

@@ -328,6 +328,25 @@ requires(Bytes == 32)
 
 // ---- Widen and narrow ----
 
+// a and b side by side, times 1 and -1, give a - b in 32 bits.
+[[gnu::always_inline]] inline void subtract_widened(Vec<int16_t, 16> a, Vec<int16_t, 16> b, Vec<int32_t, 16> &lo,
+                                                    Vec<int32_t, 16> &hi) {
+    const __m128i signs = _mm_set1_epi32(static_cast<int32_t>(0xFFFF0001));
+    lo = (Vec<int32_t, 16>)_mm_madd_epi16(_mm_unpacklo_epi16((__m128i)a, (__m128i)b), signs);
+    hi = (Vec<int32_t, 16>)_mm_madd_epi16(_mm_unpackhi_epi16((__m128i)a, (__m128i)b), signs);
+}
+
+#if QORV_VECTOR_BYTES == 32
+
+[[gnu::always_inline]] inline void subtract_widened(Vec<int16_t, 32> a, Vec<int16_t, 32> b, Vec<int32_t, 32> &lo,
+                                                    Vec<int32_t, 32> &hi) {
+    const __m256i signs = _mm256_set1_epi32(static_cast<int32_t>(0xFFFF0001));
+    lo = (Vec<int32_t, 32>)_mm256_madd_epi16(_mm256_unpacklo_epi16((__m256i)a, (__m256i)b), signs);
+    hi = (Vec<int32_t, 32>)_mm256_madd_epi16(_mm256_unpackhi_epi16((__m256i)a, (__m256i)b), signs);
+}
+
+#endif
+
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
     return (U8)QORV_MM(packus_epi16)((Register)(w.lo >> 8), (Register)(w.hi >> 8));
 }
@@ -436,6 +455,9 @@ requires(sizeof(V) == 32) [[gnu::always_inline]] inline void exchange(V &a, V &b
 template <int Bytes>
 using ByteDistances = Vec<int64_t, Bytes>;
 constexpr int kMaxByteDistances = 1 << 20;
+
+template <int Bytes>
+using ByteSquares = Vec<uint32_t, Bytes>;
 
 [[gnu::always_inline]] inline void add_byte_distances(Vec<int64_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     sum += (Vec<int64_t, 16>)_mm_sad_epu8((__m128i)a, (__m128i)b);

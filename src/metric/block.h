@@ -2,11 +2,11 @@
 // side by side in one. Kernel sources alone include this header.
 //
 // An example, sad16x16 of bytes in vectors of 16 bytes:
-//   block_sum<kMagnitudes, 16, 16>   16 is a power of two, so that the block is one strip: strip_sum()
-//   StripSum<kMagnitudes, true, 16>  takes a row of 16 bytes in one vector: Shape has 1 column of vectors, 1 row each
-//   walk<16>                         makes one step of 16 rows, unrolled: for each row it loads a vector of either block
-//   add(k, a, b)                     adds the distances of vector k to sum[k % 2], by a primitive of core/simd_*.h
-//   total()                          adds up the lanes of both sums
+//   block_sum<kMagnitudes, 16, 16>     16 is a power of two, so that the block is one strip: strip_sum()
+//   StripSum<kMagnitudes, kBytes, 16>  takes a row in one vector: Shape<16, 16> has 1 vector across, of 1 row
+//   walk<16>                           makes one step of 16 rows, unrolled: for each it loads a vector of either block
+//   add(k, a, b)                       adds the distances of vector k to one of the sums, by a primitive
+//   total()                            adds up the lanes of all sums
 #pragma once
 
 #include "core/hide_origin.h"
@@ -25,13 +25,18 @@ constexpr int smaller(int a, int b) {
     return a < b ? a : b;
 }
 
-// Rows that addressing modes reach from one pointer, if a row is one vector, and if it is more.
+// Rows that addressing modes reach from one pointer, if a row is one vector, and if it is more; whether a narrow row of
+// bytes is loaded by itself into a vector of 8 bytes, where several are put together elsewhere; how many sums it takes
+// that an addition need not wait for the one before it.
 #if defined(QORV_SIMD_NEON)
-constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1;
+constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1, kSums = 4;
+constexpr bool kSingleRows = true;
 #elif defined(QORV_SIMD_X86)
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2;
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2, kSums = 2;
+constexpr bool kSingleRows = false;
 #else
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4;
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4, kSums = 2;
+constexpr bool kSingleRows = false;
 #endif
 
 constexpr bool is_power_of_two(int n) {
@@ -83,19 +88,22 @@ struct WordOf<8> {
 };
 
 // `Count` words of `Width` bytes, one from each row, and zero in the lanes after them.
-template <int Width, int Count, class T>
-[[gnu::always_inline]] inline Vec<uint8_t, 16> load_column(const Rows<T> &rows, int y, int x) {
+template <int Width, int Count, int Bytes, class T>
+[[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_column(const Rows<T> &rows, int y, int x) {
     using Word = typename WordOf<Width>::type;
-    using V = Vec<Word, 16>;
+    using V = Vec<Word, Bytes>;
+#ifdef QORV_SIMD_NEON
+    if constexpr (Bytes == 8 && Width == 4 && Count == 1) return load_word(rows.at(y, x));
+#endif
     const auto word = [&](int i) __attribute__((always_inline)) {
         Word value;
         memcpy(&value, rows.at(y + i, x), sizeof value);
         return value;
     };
     static_assert(Count == 1 || Count == 2 || Count == 4, "there is no way to load so many rows into one vector");
-    if constexpr (Count == 1) return (Vec<uint8_t, 16>)V{word(0)};
-    if constexpr (Count == 2) return (Vec<uint8_t, 16>)V{word(0), word(1)};
-    if constexpr (Count == 4) return (Vec<uint8_t, 16>)V{word(0), word(1), word(2), word(3)};
+    if constexpr (Count == 1) return (Vec<uint8_t, Bytes>)V{word(0)};
+    if constexpr (Count == 2) return (Vec<uint8_t, Bytes>)V{word(0), word(1)};
+    if constexpr (Count == 4) return (Vec<uint8_t, Bytes>)V{word(0), word(1), word(2), word(3)};
 }
 
 // `Count` rows of `Width` bytes, from the one at x, y on, side by side in a vector of `Bytes` bytes, with zeros after
@@ -110,7 +118,7 @@ template <int Width, int Count, int Bytes, class T>
         using Half = Vec<uint8_t, Bytes / 2>;
         return concatenate(load<Half>(rows.at(y, x)), Count == 2 ? load<Half>(rows.at(y + 1, x)) : Half{});
     } else {
-        return load_column<Width, Count>(rows, y, x);
+        return load_column<Width, Count, Bytes>(rows, y, x);
     }
 }
 
@@ -126,19 +134,35 @@ template <int Width, int Count, int Bytes, class T>
     }
 }
 
+// a - b of `Count` rows of `Width` samples, modulo 2^16, in the lanes that load_samples() gives them.
+template <int Width, int Count, int Bytes, class A, class B>
+[[gnu::always_inline]] inline Vec<int16_t, Bytes> load_difference(const Rows<A> &a, const Rows<B> &b, int y, int x) {
+#ifdef QORV_SIMD_NEON
+    if constexpr (sizeof(A) + sizeof(B) == 2) {
+        return subtract_widened(load_bytes<Width, Count, 8>(a, y, x), load_bytes<Width, Count, 8>(b, y, x));
+    }
+#endif
+    using Unsigned = Vec<uint16_t, Bytes>;
+    return (Vec<int16_t, Bytes>)((Unsigned)load_samples<Width, Count, Bytes>(a, y, x) -
+                                 (Unsigned)load_samples<Width, Count, Bytes>(b, y, x));
+}
+
 template <int Value>
 struct Constant {
     static constexpr int value = Value;
+    constexpr operator int() const { return Value; }
 };
 
-// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, kAcross of them beside each
-// other.
-template <int Width, int Lanes>
+// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, at most MaxRows, kAcross of them
+// beside each other.
+template <int Width, int Lanes, int MaxRows = 4>
 struct Shape {
     static_assert(is_power_of_two(Width) && is_power_of_two(Lanes), "a strip is as wide as a power of two");
     static constexpr int kColumns = smaller(Width, Lanes);
-    static constexpr int kRows = smaller(Lanes / kColumns, 4);
+    static constexpr int kRows = smaller(Lanes / kColumns, MaxRows);
     static constexpr int kAcross = Width / kColumns;
+    // Rows that are reached from one pointer.
+    static constexpr int kMostAtHand = kAcross > 1 ? kWideRowsAtHand : MaxRows == 1 ? 4 : kRowsAtHand;
     // How many rows make a step of `Vectors` vectors; one row, if that alone is more.
     static constexpr int rows_of(int vectors) { return vectors > kAcross ? vectors / kAcross * kRows : 1; }
 };
@@ -148,8 +172,8 @@ struct Shape {
 // Whenever n rows are done, skip(n) moves the pointers.
 template <class S, int Count, class F, class Skip>
 [[gnu::always_inline]] inline void for_each_row(F f, Skip skip) {
-    constexpr int kMost = S::kAcross == 1 ? kRowsAtHand : kWideRowsAtHand;
-    constexpr int kRows = smaller(S::kRows, Count), kAtHand = smaller(kMost > kRows ? kMost : kRows, Count);
+    constexpr int kRows = smaller(S::kRows, Count);
+    constexpr int kAtHand = smaller(S::kMostAtHand > kRows ? S::kMostAtHand : kRows, Count);
     static_assert(Count % kAtHand == 0 && kAtHand % kRows == 0, "rows would be left out");
     unrolled<Count / kRows>([&](int i) __attribute__((always_inline)) {
         const int y = i * kRows % kAtHand;
@@ -167,8 +191,8 @@ template <int Step, class Metric, class A, class B>
     for (; rows >= Step; rows -= Step) {
         const auto add = [&](auto together, int y, int first) __attribute__((always_inline)) {
             unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
-                metric.add(first + i, Metric::template load<S::kColumns, together.value>(a, y, i * S::kColumns),
-                           Metric::template load<S::kColumns, together.value>(b, y, i * S::kColumns));
+                metric.add(first + i, metric.template load<S::kColumns, together.value>(a, y, i * S::kColumns),
+                           metric.template load<S::kColumns, together.value>(b, y, i * S::kColumns));
             });
         };
         for_each_row<S, Step>(
@@ -193,12 +217,31 @@ constexpr int kMaxRows = 64;
 template <int Width, int Height>
 constexpr bool kIsStrip = !kForSize && is_power_of_two(Width) && Width <= kMaxStrip && Height <= kMaxRows;
 
-// Cuts `width` columns into strips of powers of two: f(Constant<W>, x) for each, x being its first column.
-template <int Width = kMaxStrip, class F>
+// The narrowest strip that reaches back.
+constexpr int kMinReach = 8;
+
+// Cuts `width` columns into strips of powers of two, as wide as they fit: f(Constant<W>, x, again) for each, x being its
+// first column. The last strip of `Lanes` columns or less reaches back over `again` columns that were in the strips
+// before it, instead of being cut into many narrow ones; all other strips get the Constant<0>.
+template <int Lanes, int Width = kMaxStrip, class F>
 [[gnu::always_inline]] inline void for_each_strip(int32_t width, F f, ptrdiff_t x = 0) {
-    for (; width >= Width; width -= Width, x += Width) f(Constant<Width>{}, x);
-    if constexpr (Width > 1) for_each_strip<Width / 2>(width, f, x);
+    for (; width >= Width; width -= Width, x += Width) f(Constant<Width>{}, x, Constant<0>{});
+    if constexpr (!kForSize && Width <= Lanes && Width >= kMinReach) {
+        const int32_t least = Width == kMinReach ? 0 : Width / 2;
+        if (width > least && x + width >= Width) return f(Constant<Width>{}, x + width - Width, Width - width);
+    }
+    if constexpr (Width > 1) for_each_strip<Lanes, Width / 2>(width, f, x);
 }
+
+// Bytes to load a mask from that clears the first of its bytes, up to 32 of them.
+struct MaskBytes {
+    uint8_t bytes[64];
+    constexpr MaskBytes() : bytes() {
+        for (int i = 32; i < 64; i++) bytes[i] = 255;
+    }
+    [[gnu::always_inline]] const uint8_t *clear(ptrdiff_t n) const { return bytes + 32 - n; }
+};
+inline constexpr MaskBytes kMaskBytes;
 
 // Cuts `height` rows into bands that a metric's lanes hold: f(y, rows) for each.
 template <class F>

@@ -41,22 +41,48 @@ template <int Width, int Count, class V>
     }
 }
 
-// Walks `rows` rows of a strip, `Step` rows a step and the rest in smaller steps. The vectors of a row are stored
-// together, so that a machine with instructions for pairs of them can use those.
+// The vectors of a row, or of the rows that one vector holds, from row y on.
+template <class S, int Count, class V, class A, class B>
+[[gnu::always_inline]] inline void load_differences(V (&d)[S::kAcross], const Rows<A> &a, const Rows<B> &b, int y) {
+#ifdef QORV_SIMD_NEON
+    if constexpr (S::kAcross > 1 && sizeof(A) + sizeof(B) == 2) {  // whole vectors of bytes give two each
+        return unrolled<S::kAcross / 2>([&](int i) __attribute__((always_inline)) {
+            const auto va = load<Vec<uint8_t, 16>>(a.at(y, 16 * i));
+            const auto vb = load<Vec<uint8_t, 16>>(b.at(y, 16 * i));
+            d[2 * i] = subtract_widened<false>(va, vb);
+            d[2 * i + 1] = subtract_widened<true>(va, vb);
+        });
+    }
+#endif
+    unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
+        d[i] = load_difference<S::kColumns, Count, sizeof(V)>(a, b, y, i * S::kColumns);
+    });
+}
+
+template <class S, int Count, class V>
+[[gnu::always_inline]] inline void store_vectors(const Rows<int16_t> &out, int y, const V (&d)[S::kAcross]) {
+#ifdef QORV_SIMD_NEON
+    if constexpr (S::kAcross > 1) {
+        return unrolled<S::kAcross / 2>([&](int i) __attribute__((always_inline)) {
+            store_pair(out.at(y, 16 * i), d[2 * i], d[2 * i + 1]);
+        });
+    }
+#endif
+    unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
+        store_rows<S::kColumns, Count>(out, y, i * S::kColumns, d[i]);
+    });
+}
+
+// Walks `rows` rows of a strip, `Step` rows a step and the rest in smaller steps.
 template <int Width, int Step, class A, class B>
 [[gnu::always_inline]] inline void diff_rows(Rows<A> &a, Rows<B> &b, Rows<int16_t> &out, int32_t rows) {
     constexpr int kBytes = Width < 16 ? 16 : kVectorBytes;
-    using S = Shape<Width, kBytes / 2>;
-    using Lanes = Vec<uint16_t, kBytes>;
+    constexpr bool kSingle = kSingleRows && Width >= 4 && sizeof(A) + sizeof(B) == 2;
+    using S = Shape<Width, kBytes / 2, kSingle ? 1 : 4>;
     const auto subtract = [&](auto together, int y, int) __attribute__((always_inline)) {
-        Lanes d[S::kAcross];
-        unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
-            d[i] = (Lanes)load_samples<S::kColumns, together.value, kBytes>(a, y, i * S::kColumns) -
-                   (Lanes)load_samples<S::kColumns, together.value, kBytes>(b, y, i * S::kColumns);
-        });
-        unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
-            store_rows<S::kColumns, together.value>(out, y, i * S::kColumns, d[i]);
-        });
+        Vec<int16_t, kBytes> d[S::kAcross];
+        load_differences<S, together.value>(d, a, b, y);
+        store_vectors<S, together.value>(out, y, d);
     };
     for (; rows >= Step; rows -= Step) {
         for_each_row<S, Step>(
@@ -85,8 +111,8 @@ template <class A, class B>
     }
     for_each_band(
         h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
-            for_each_strip(
-                w, [&](auto columns, ptrdiff_t x) __attribute__((always_inline)) {
+            for_each_strip<kVectorBytes / 2>(
+                w, [&](auto columns, ptrdiff_t x, auto) __attribute__((always_inline)) {
                     diff_strip<columns.value, 4>(a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b,
                                                  stride_out, out + y * stride_out + x, rows);
                 });

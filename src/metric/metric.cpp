@@ -2,6 +2,16 @@
 #include "metric/metric_kernels.h"
 #include "qorv_skia.h"
 
+// Of the members that the build has in more than one set; the others' kernels are exported themselves.
+#ifdef QORV_ONLY_SET
+
+extern "C" uint32_t qorv_ssd(int32_t w, int32_t h, const uint8_t *a, const uint8_t *b, int32_t stride_a,
+                             int32_t stride_b) {
+    return qorv::active.metric->ssd(w, h, a, b, stride_a, stride_b);
+}
+
+#else
+
 #define QORV_SAD(w, h, suffix, A, B)                                                                            \
     extern "C" uint32_t qorv_sad##w##x##h##suffix(const A *a, const B *b, int32_t stride_a, int32_t stride_b) { \
         return qorv::active.metric->sad##w##x##h##suffix(a, b, stride_a, stride_b);                             \
@@ -35,3 +45,5 @@ QORV_AREA_DIFFS(QORV_AREA_DIFF)
 extern "C" uint32_t qorv_hadamard4x4(const int16_t *residual) {
     return qorv::active.metric->hadamard4x4(residual);
 }
+
+#endif

@@ -61,19 +61,18 @@ template <bool Small, int N, class Sum, class V>
 template <class A, class B>
 constexpr bool kFirstStageDone = kHasSumsAndDifferences && sizeof(A) + sizeof(B) == 2;
 
-// Loads a residual, modulo 2^16, into N vectors, each of as many rows of `Width` columns as it has lanes for. The lanes are signed so that the compiler does not reorder the sums and lose what they have in common.
+// Loads a residual, modulo 2^16, into N vectors, each of as many rows of `Width` columns as it has lanes for. The lanes are
+// signed so that the compiler does not reorder the sums and lose what they have in common.
 template <int Width, int N, class V, class A, class B>
 [[gnu::always_inline]] inline void load_residual(V (&v)[N], Rows<A> &a, Rows<B> &b) {
     constexpr int kBytes = sizeof(V);
     using S = Shape<Width, kBytes / 2>;
-    using Unsigned = Vec<uint16_t, kBytes>;
     const auto subtract = [&](auto, int y, int i) __attribute__((always_inline)) {
         if constexpr (kFirstStageDone<A, B>) {
             v[i] = sums_and_differences<Width, kBytes>(a.at(y), a.at(y + 1)) -
                    sums_and_differences<Width, kBytes>(b.at(y), b.at(y + 1));
         } else {
-            v[i] = (V)((Unsigned)load_samples<Width, S::kRows, kBytes>(a, y, 0) -
-                       (Unsigned)load_samples<Width, S::kRows, kBytes>(b, y, 0));
+            v[i] = load_difference<Width, S::kRows, kBytes>(a, b, y, 0);
         }
     };
     for_each_row<S, N * S::kRows>(
@@ -88,11 +87,9 @@ template <int Limit, int N, class V, class Unsigned>
     return top_bit_set(add_saturated(more, splat<Unsigned>(INT16_MAX - Limit)));
 }
 
-// Half the sum of all magnitudes of the transform of Size x Size residuals, exact for residuals of 25 bits.
-template <int Size>
-uint32_t exact_hadamard(const int32_t *residual) {
-    Vec<int32_t, 16> v[Size * Size / 4];
-    for (int i = 0; i < Size * Size / 4; i++) v[i] = load<Vec<int32_t, 16>>(residual + 4 * i);
+// Half the sum of all magnitudes of the transform of a residual of 4x4 or 8x8, row by row in v, exact for 25 bits.
+template <int N>
+[[gnu::always_inline]] inline uint32_t exact_hadamard(Vec<int32_t, 16> (&v)[N]) {
     Vec<uint32_t, 16> sum = {};
     transform_vectors(v);
     transform_groups<8>(v);
@@ -107,11 +104,13 @@ constexpr int kMaxResidual4x4 = 4095;
 
 template <class A, class B>
 [[gnu::noinline]] uint32_t exact_satd4x4(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b) {
-    int32_t residual[16];
-    for (int i = 0; i < 16; i++) {
-        residual[i] = static_cast<int16_t>(a[i / 4 * stride_a + i % 4] - b[i / 4 * stride_b + i % 4]);
-    }
-    return exact_hadamard<4>(residual);
+    Rows<const A> rows_a(a, stride_a);
+    Rows<const B> rows_b(b, stride_b);
+    Vec<int16_t, 16> wrapped[2];
+    load_residual<4>(wrapped, rows_a, rows_b);
+    Vec<int32_t, 16> v[4];
+    for (int i = 0; i < 2; i++) subtract_widened(wrapped[i], Vec<int16_t, 16>{}, v[2 * i], v[2 * i + 1]);
+    return exact_hadamard(v);
 }
 
 // A tile in two vectors of two rows.
@@ -137,7 +136,7 @@ uint32_t satd4x4(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     return tile_sum<kFirstStageDone<A, B>>(v);
 }
 
-inline uint32_t hadamard4x4(const int16_t *residual) {
+inline uint32_t hadamard(const int16_t *residual) {
     Vec<int16_t, 16> v[2] = {load<Vec<int16_t, 16>>(residual), load<Vec<int16_t, 16>>(residual + 8)};
     if (!exceeds<kMaxResidual4x4>(v, Vec<uint16_t, 16>{})) return tile_sum<false>(v);
     // The residual against a block of zeros that has one row.
@@ -224,15 +223,27 @@ uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_
 // Five stages of sums keep residuals of 10 bits and their sign within 16 bits.
 constexpr int kMaxResidual8x8 = 1023;
 
-template <class A, class B>
-[[gnu::noinline]] uint32_t exact_satd8x8(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b) {
-    int32_t residual[64];
-    for (int i = 0; i < 64; i++) residual[i] = a[i / 8 * stride_a + i % 8] - b[i / 8 * stride_b + i % 8];
-    return (exact_hadamard<8>(residual) + 1) >> 1;
-}
-
 template <class T>
 constexpr bool kUnsignedWords = sizeof(T) == 2 && T(-1) > 0;
+
+// Eight samples as signed words: unsigned words less 2^15.
+template <class T>
+[[gnu::always_inline]] inline Vec<int16_t, 16> load_signed(const T *row) {
+    const auto v = load_samples<8, 1, 16>(Rows<const T>(row, 0), 0, 0);
+    return kUnsignedWords<T> ? v ^ splat<Vec<int16_t, 16>>(INT16_MIN) : v;
+}
+
+template <class A, class B>
+[[gnu::noinline]] uint32_t exact_satd8x8(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b) {
+    constexpr int kMore = (kUnsignedWords<A> ? 1 << 15 : 0) - (kUnsignedWords<B> ? 1 << 15 : 0);
+    Vec<int32_t, 16> v[16];
+    for (int y = 0; y < 8; y++, a += stride_a, b += stride_b) {
+        subtract_widened(load_signed(a), load_signed(b), v[2 * y], v[2 * y + 1]);
+        v[2 * y] += kMore;
+        v[2 * y + 1] += kMore;
+    }
+    return (exact_hadamard(v) + 1) >> 1;
+}
 
 // The residual of 16-bit lanes where it is small; elsewhere it is large, or `more` gets a top bit.
 template <class A, class B>

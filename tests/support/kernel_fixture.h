@@ -21,6 +21,7 @@ private:
 
 }  // namespace test
 
-#define INSTANTIATE_FOR_KERNEL_SETS(fixture)                                                      \
-    INSTANTIATE_TEST_SUITE_P(Kernels, fixture, ::testing::ValuesIn(test::runnable_kernel_sets()), \
+#define INSTANTIATE_FOR_SETS(fixture, sets)                               \
+    INSTANTIATE_TEST_SUITE_P(Kernels, fixture, ::testing::ValuesIn(sets), \
                              [](const auto &set) { return std::string(set.param.name); })
+#define INSTANTIATE_FOR_KERNEL_SETS(fixture) INSTANTIATE_FOR_SETS(fixture, test::runnable_kernel_sets())

@@ -18,4 +18,15 @@ const std::vector<qorv::KernelSet> &runnable_kernel_sets() {
     return sets;
 }
 
+const std::vector<qorv::KernelSet> &runnable_metric_sets() {
+    static const std::vector<qorv::KernelSet> sets = [] {
+        std::vector<qorv::KernelSet> found = runnable_kernel_sets();
+#if defined(QORV_HAVE_dotprod)
+        if (qorv::has_dot_products()) found.push_back(QORV_DOTPROD_KERNEL_SET);
+#endif
+        return found;
+    }();
+    return sets;
+}
+
 }  // namespace test

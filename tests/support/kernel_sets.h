@@ -10,4 +10,7 @@ namespace test {
 // Never empty; the plain set is always among them.
 const std::vector<qorv::KernelSet> &runnable_kernel_sets();
 
+// The same, and those that have metrics alone of their own.
+const std::vector<qorv::KernelSet> &runnable_metric_sets();
+
 }  // namespace test
