@@ -70,13 +70,13 @@ void add_ours() {
                        f(a, b, kStride, kStride, w, out);                                     \
                    });
 #define QORV_AREA(name, T)                                                                                        \
-    for (int side : {8, 16, 32, 64}) {                                                                            \
+    for (int side : {8, 12, 15, 16, 31, 32, 63, 64}) {                                                            \
         add_cost<T, T>(                                                                                           \
             #name "_of_" + std::to_string(side) + "x" + std::to_string(side), "ours",                             \
             [side, f = in_table(qorv_##name)](auto a, auto b) { return f(side, side, a, b, kStride, kStride); }); \
     }
 #define QORV_AREA_DIFF(name, T)                                                                  \
-    for (int side : {8, 16, 32, 64}) {                                                           \
+    for (int side : {8, 12, 15, 16, 31, 32, 63, 64}) {                                           \
         add_diff<T, T>(#name "_of_" + std::to_string(side) + "x" + std::to_string(side), "ours", \
                        [side, f = in_table(qorv_##name)](auto a, auto b, int16_t *out) {         \
                            f(side, side, a, b, kStride, kStride, side, out);                     \
