@@ -174,6 +174,16 @@ template <int A, int B>
     return (U16)vmlal_high_u8(first, (uint8x16_t)v, (uint8x16_t)weights);
 }
 
+// Both products in the weights: 56 at most, so that bytes may be multiplied as words. A long multiplication of bytes costs
+// half of one of words.
+[[gnu::always_inline]] inline U16 weigh_two_pairs(U8 v, U8 w, U8 weights, U16, U16 second) {
+    const uint8x16_t of_w = (uint8x16_t)((U16)weights * second), of_v = (uint8x16_t)((weights << 3) - (U8)of_w);
+    uint16x8_t sum = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8(of_v));
+    sum = vmlal_high_u8(sum, (uint8x16_t)v, of_v);
+    sum = vmlal_u8(sum, vget_low_u8((uint8x16_t)w), vget_low_u8(of_w));
+    return (U16)vmlal_high_u8(sum, (uint8x16_t)w, of_w);
+}
+
 constexpr bool kHasSumsAndDifferences = false;
 
 // ---- Widen and narrow ----
@@ -232,6 +242,21 @@ template <int C>
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
     return (U8)vshrn_high_n_u16(vshrn_n_u16((uint16x8_t)a, N), (uint16x8_t)b, N);
+}
+
+// Means of means, each rounded down, lose nothing of the whole's integer part, and take no multiplication.
+template <int N>
+[[gnu::always_inline]] inline uint16x8_t eighths_between(uint16x8_t a, uint16x8_t b) {
+    uint16x8_t mean = a;
+    if constexpr ((N & 1) != 0) mean = vhaddq_u16(mean, b);
+    if constexpr ((N & 3) != 0) mean = vhaddq_u16(mean, (N & 2) != 0 ? b : a);
+    return vhaddq_u16(mean, (N & 4) != 0 ? b : a);
+}
+
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
+    return narrow_shifted<3>((U16)eighths_between<N>((uint16x8_t)a, (uint16x8_t)b),
+                             (U16)eighths_between<N>((uint16x8_t)c, (uint16x8_t)d));
 }
 
 [[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {

@@ -111,6 +111,11 @@ template <int A, int B>
     return each_lane<U16>([&](int i) { return v[2 * i] * weights[2 * i] + v[2 * i + 1] * weights[2 * i + 1]; });
 }
 
+// What weigh_pairs() gives for v times `first`, plus the same for w times `second`; in all lanes `first` is 8 - `second`.
+[[gnu::always_inline]] inline U16 weigh_two_pairs(U8 v, U8 w, U8 weights, U16 first, U16 second) {
+    return weigh_pairs(v, weights) * first + weigh_pairs(w, weights) * second;
+}
+
 // Clamped to the lane's range: bytes, unsigned words, signed words.
 [[gnu::always_inline]] inline U8 add_saturated(U8 a, U8 b) {
     return each_lane<U8>([&](int i) { return clamped(a[i] + b[i], 0, UINT8_MAX); });
@@ -220,6 +225,14 @@ template <int C>
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
     return bytes_of({a, b}, [](uint16_t x) { return x >> N; });
+}
+
+// ((8 - N) a + N b) >> 6 of 16-bit lanes below 2048, as bytes, and behind them, in each 128-bit lane, the same of c and d.
+// N is 1 to 7.
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
+    const U16 first = splat<U16>(8 - N), second = splat<U16>(N);
+    return narrow_shifted<6>(a * first + b * second, c * first + d * second);
 }
 
 // The lower 8 of 16 bytes as 16-bit lanes.

@@ -284,6 +284,10 @@ template <int A, int B>
     return (U16)QORV_MM(maddubs_epi16)((Register)v, (Register)weights);
 }
 
+[[gnu::always_inline]] inline U16 weigh_two_pairs(U8 v, U8 w, U8 weights, U16 first, U16 second) {
+    return weigh_pairs(v, weights) * first + weigh_pairs(w, weights) * second;
+}
+
 // The multiply-add of bytes gives them for nothing, from bytes that stand twice in a vector.
 constexpr bool kHasSumsAndDifferences = true;
 
@@ -405,6 +409,15 @@ template <int C>
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_shifted(U16 a, U16 b) {
     return (U8)QORV_MM(packus_epi16)((Register)(a >> N), (Register)(b >> N));
+}
+
+template <int N>
+[[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
+    U16 upper = splat<U16>(8 - N), lower = splat<U16>(N);
+    if constexpr (N == 4) return narrow_shifted<4>(a + b, c + d);
+    hide_origin(upper);  // or g++ makes shifts and sums of the products
+    hide_origin(lower);
+    return narrow_shifted<6>(a * upper + b * lower, c * upper + d * lower);
 }
 
 [[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {

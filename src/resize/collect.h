@@ -28,26 +28,54 @@ template <int Shift>
     return count;
 }
 
-// Four pixels of N bytes that lie `spacing` bytes apart; of each, 16 bytes are read, and 16 bytes are written.
-template <int N>
+// Four pixels of three bytes that lie `spacing` bytes apart; of each, 16 bytes are read, and 16 bytes are written.
 [[gnu::always_inline]] inline void copy_four_spaced(uint8_t *to, const uint8_t *from, ptrdiff_t spacing) {
     using U32x4 = Vec<uint32_t, 16>;
     using U8x16 = Vec<uint8_t, 16>;
     const U32x4 a = load<U32x4>(from), b = load<U32x4>(from + spacing);
     const U32x4 c = load<U32x4>(from + 2 * spacing), d = load<U32x4>(from + 3 * spacing);
     const U32x4 ab = __builtin_shufflevector(a, b, 0, 4, 1, 5), cd = __builtin_shufflevector(c, d, 0, 4, 1, 5);
-    const U32x4 four = __builtin_shufflevector(ab, cd, 0, 1, 4, 5);
-    if constexpr (N == 4) {
-        store(to, four);
+    const U8x16 four = (U8x16)__builtin_shufflevector(ab, cd, 0, 1, 4, 5);
+    store(to, __builtin_shufflevector(four, four, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 15, 15, 15, 15));
+}
+
+// Fewer than 16 bytes, and zeros behind them.
+[[gnu::always_inline]] inline Vec<uint64_t, 16> load_few(const uint8_t *from, int bytes) {
+    using U64x2 = Vec<uint64_t, 16>;
+    if (bytes >= 8) return U64x2{load<uint64_t>(from), load<uint64_t>(from + bytes - 8) >> (8 * (16 - bytes) & 63)};
+    uint64_t v = 0;
+    if (bytes >= 4) {
+        v = load<uint32_t>(from) | uint64_t{load<uint32_t>(from + bytes - 4)} << (8 * (bytes - 4));
     } else {
-        const U8x16 bytes = (U8x16)four;
-        store(to, __builtin_shufflevector(bytes, bytes, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 15, 15, 15, 15));
+        for (int i = 0; i < bytes; i++) v |= uint64_t{from[i]} << (8 * i);
+    }
+    return U64x2{v, 0};
+}
+
+// Stores the first of a vector's bytes, at least one and fewer than all.
+[[gnu::always_inline]] inline void store_few(uint8_t *to, const uint8_t *from, int bytes) {
+    if (kVectorBytes == 32 && bytes >= 16) {
+        store(to, load<Vec<uint8_t, 16>>(from));
+        store(to + bytes - 16, load<Vec<uint8_t, 16>>(from + bytes - 16));
+    } else if (bytes >= 8) {
+        store(to, load<uint64_t>(from));
+        store(to + bytes - 8, load<uint64_t>(from + bytes - 8));
+    } else if (bytes >= 4) {
+        store(to, load<uint32_t>(from));
+        store(to + bytes - 4, load<uint32_t>(from + bytes - 4));
+    } else {
+        for (int i = 0; i < bytes; i++) to[i] = from[i];
     }
 }
 
 // Copies every (1 << shift)-th pixel. `to` reaches to the next whole vector.
 template <int N>
 [[gnu::always_inline]] inline void copy_spaced(uint8_t *to, const uint8_t *from, int count, int shift) {
+    if (shift == 0 && count * N < 16) {
+        // In one store, as vectors are to be loaded from it at once.
+        store(to, load_few(from, count * N));
+        return;
+    }
     if (shift == 0) {
         memcpy(to, from, static_cast<size_t>(count) * N);
         return;
@@ -57,10 +85,10 @@ template <int N>
         // Whole vectors read the pixels that are skipped, too. Behind the last one wanted the row may end.
         if (shift == 1) i = copy_spaced_bytes<1>(to, from, count - 1);
         if (shift == 2) i = copy_spaced_bytes<2>(to, from, count - 1);
-    } else if constexpr (N >= 3) {
+    } else if constexpr (N == 3) {
         const ptrdiff_t spacing = ptrdiff_t{N} << shift, limit = (count - 4) * spacing + N - 16;
         for (ptrdiff_t at = 0; at <= limit; at += 4 * spacing, i += 4) {
-            copy_four_spaced<N>(to + i * N, from + at, spacing);
+            copy_four_spaced(to + i * N, from + at, spacing);
         }
     }
     for (; i < count; i++) memcpy(to + i * N, from + (ptrdiff_t{i} << shift) * N, N);
@@ -78,6 +106,17 @@ template <int N>
         const U16 v = load<U16>(words);
         store_interleaved2(to, (v >> 8 & 0xF8) | (v << 5 & 0xFC00), v << 3);
     }
+}
+
+// The two neighbours of a vector's columns, pixels of four bytes.
+[[gnu::always_inline]] inline U8 load_neighbours(const uint8_t *row, const ptrdiff_t *places, ptrdiff_t right) {
+    const auto left = [=](int i) { return load<uint32_t>(row + places[i]); };
+    const auto next = [=](int i) { return load<uint32_t>(row + places[i] + right); };
+#if QORV_VECTOR_BYTES == 32
+    return (U8)U32{left(0), next(0), left(1), next(1), left(2), next(2), left(3), next(3)};
+#else
+    return (U8)U32{left(0), next(0), left(1), next(1)};
+#endif
 }
 
 // Brings the pixels under a strip together as they lie in memory.

@@ -14,7 +14,8 @@
 
 namespace qorv::QORV_ISA {
 
-constexpr int kGroup = 8;                              // outputs of a 128-bit lane
+constexpr int kGroup = 8;  // outputs of a 128-bit lane
+constexpr int kLanes = kVectorBytes / 16;
 constexpr int kUnit = kVectorBytes;                    // outputs of a vector of bytes: the least that is produced
 constexpr int kWindow = 16;                            // bytes
 constexpr int64_t kOne = int64_t{1} << kPositionBits;  // one (decimated) pixel
@@ -41,6 +42,7 @@ enum class Fetch {
     kDirect,   // windows on the source row itself
     kCompact,  // the pixels under the strip are brought together first
     kPick,     // the two neighbours of every column are brought together first
+    kGather,   // the same in registers, of pixels of four bytes
 };
 
 // What is decided of a strip before anything is computed.
@@ -58,11 +60,12 @@ struct Strip {
     int last_window;      // the highest offset of a window: one that would pass the row is pulled back to it
 };
 
-// The outputs of a group reach over at most so many bytes, with `pixel_step` from column to column.
+// The outputs of a group reach over at most so many bytes, with `pixel_step` from column to column, of rows that hold all
+// pixels or, with a `shift` of 0, only those that are looked at.
 template <class Pixel, int PerPixel>
-int64_t group_span(int64_t pixel_step) {
+int64_t group_span(int64_t pixel_step, int shift) {
     constexpr int kColumnsBetween = PerPixel == 1 ? 7 : PerPixel == 3 ? 3 : 1;  // the first and the last of a group
-    return ((kColumnsBetween * pixel_step + kOne - 1) / kOne + 2) * Pixel::kSampled;
+    return ((((kColumnsBetween * pixel_step + kOne - 1) / kOne + 1) << shift) + 1) * Pixel::kSampled;
 }
 
 // The strip of `count` columns from `first` on, sampled into `PerPixel` outputs a pixel. Of a source row `readable`
@@ -73,26 +76,32 @@ Strip strip_of(const Grid &grid, int32_t first, int32_t count, int64_t readable)
     const int64_t begin = first * x.step, end = begin + (count - 1) * x.step, first_pixel = begin >> kPositionBits;
     // Behind a step of 0 is a source of one pixel: its right neighbour, of weight 0, does not exist.
     const int64_t neighbour = x.step == 0 ? 0 : grid.neighbour;
-    const bool pick = x.step > kMaxStep || group_span<Pixel, PerPixel>(x.step) > 2 * kWindow ||
+    const bool pick = x.step > kMaxStep || group_span<Pixel, PerPixel>(x.step, 0) > 2 * kWindow ||
                       (x.step != 0 && neighbour != 1 << x.shift);
-    const bool wide = group_span<Pixel, PerPixel>(pick ? 2 * kOne : x.step) > kWindow;
+    // Windows may hold pixels that are skipped, if they are of four bytes: of these a group needs few.
+    constexpr bool kFourBytes = Pixel::kMemory == 4;
+    const int64_t span =
+        pick ? group_span<Pixel, PerPixel>(2 * kOne, 0) : group_span<Pixel, PerPixel>(x.step, kFourBytes ? x.shift : 0);
+    const bool wide = span > kWindow;
 
-    const ptrdiff_t start = static_cast<ptrdiff_t>(first_pixel) * Pixel::kMemory;
+    const ptrdiff_t start = static_cast<ptrdiff_t>(first_pixel << x.shift) * Pixel::kMemory;
     const ptrdiff_t last = static_cast<ptrdiff_t>(readable) * Pixel::kMemory - (wide ? 2 : 1) * kWindow;
-    const bool direct = !pick && Pixel::kMemory == Pixel::kSampled && x.shift == 0 && last >= 0;
-    const ptrdiff_t origin = start < last ? start : last;
+    const bool direct =
+        !pick && Pixel::kMemory == Pixel::kSampled && (kFourBytes || x.shift == 0) && span <= 2 * kWindow && last >= 0;
+    const ptrdiff_t origin = !direct || start < last ? start : last;
     return {.count = count,
-            .fetch = pick     ? Fetch::kPick
-                     : direct ? Fetch::kDirect
-                              : Fetch::kCompact,
+            .fetch = direct       ? Fetch::kDirect
+                     : kFourBytes ? Fetch::kGather
+                     : pick       ? Fetch::kPick
+                                  : Fetch::kCompact,
             .wide = wide,
             .x = x,
             .fraction = static_cast<uint32_t>(begin & (kOne - 1)),
             .first_pixel = first_pixel,
             .pixels = pick ? 2 * count : static_cast<int>((end >> kPositionBits) - first_pixel) + (x.step != 0 ? 2 : 1),
             .neighbour = neighbour,
-            .origin = direct ? origin : 0,
-            .lead = direct ? static_cast<int>(start - origin) : 0,
+            .origin = origin,
+            .lead = static_cast<int>(start - origin),
             .last_window = direct && last - origin < kAnywhere ? static_cast<int>(last - origin) : kAnywhere};
 }
 
@@ -103,10 +112,12 @@ struct Columns {
     static constexpr int kMaxOutputs = kStripColumns * PerPixel;
 
     const Strip strip;
-    const int outputs;                                       // whole units
-    uint16_t offsets[kMaxOutputs / kGroup];                  // of the windows, groups in the order of place_of()
-    alignas(kVectorBytes) uint8_t indices[2 * kMaxOutputs];  // likewise
-    alignas(kVectorBytes) uint8_t weights[2 * kMaxOutputs];
+    const int outputs;                       // whole units
+    uint16_t offsets[kMaxOutputs / kGroup];  // of the windows, groups in the order of place_of()
+    // For each vector of groups its shuffle indices, then its weights.
+    alignas(kVectorBytes) uint8_t table[4 * kMaxOutputs];
+    // Gathered: bytes from the origin to the left pixels of the two columns of each group, likewise.
+    ptrdiff_t places[Pixel::kMemory == 4 ? 2 * kMaxOutputs / kGroup : 2];
 
     explicit Columns(const Strip &decided)
         : strip(decided), outputs((decided.count * PerPixel + kUnit - 1) / kUnit * kUnit) {
@@ -114,8 +125,10 @@ struct Columns {
         using U32x4 = Vec<uint32_t, 16>;
         const uint32_t step = static_cast<uint32_t>(strip.x.step);
         const U32x4 last_column = splat<U32x4>(static_cast<uint32_t>(strip.count - 1));
+        const bool pairs = strip.fetch == Fetch::kPick || strip.fetch == Fetch::kGather;
+        const int shift = strip.fetch == Fetch::kDirect ? strip.x.shift : 0;
         // A source of one pixel stands in for its own neighbour.
-        const uint16_t to_right = step == 0 ? 0 : kBytes;
+        const auto to_right = static_cast<uint16_t>(step != 0 || pairs ? kBytes << shift : 0);
         for (int group = 0; group * kGroup < outputs; group++) {
             const int phase = group % PerPixel;
             const uint32_t block = static_cast<uint32_t>(group / PerPixel * kGroup);
@@ -126,20 +139,30 @@ struct Columns {
             // steps wrap, but a picked column needs the fraction alone.
             const U16x8 eighths = join((strip.fraction + a * step) >> kEighthBits & 0x1FFF,
                                        (strip.fraction + b * step) >> kEighthBits & 0x1FFF);
-            const U16x8 pixel = strip.fetch == Fetch::kPick ? join(2 * a, 2 * b) : eighths >> 3;
+            const U16x8 pixel = pairs ? join(2 * a, 2 * b) : eighths >> 3 << shift;
             const int start = strip.lead + pixel[0] * kBytes;
             const int window = start < strip.last_window ? start : strip.last_window;
             const U16x8 left = pixel * static_cast<uint16_t>(kBytes) + load<U16x8>(kPattern.byte[phase]) +
                                static_cast<uint16_t>(strip.lead - window);
             const int place = place_of(group);
             offsets[place] = static_cast<uint16_t>(window);
-            store(indices + place * 2 * kGroup, pair_up(left, left + to_right));
-            store(weights + place * 2 * kGroup, pair_up(8 - (eighths & 7), eighths & 7));
+            if (strip.fetch == Fetch::kGather) {
+                places[2 * place] = place_of_column(a[0]);
+                places[2 * place + 1] = place_of_column(b[0]);
+            }
+            uint8_t *entry = table + place / kLanes * 2 * kVectorBytes + place % kLanes * 2 * kGroup;
+            store(entry, pair_up(left, left + to_right));
+            store(entry + kVectorBytes, pair_up(8 - (eighths & 7), eighths & 7));
         }
     }
 
 private:
     static constexpr int kBytes = Pixel::kSampled;
+
+    ptrdiff_t place_of_column(int64_t column) const {
+        const int64_t pixel = (strip.fraction + column * strip.x.step) >> kPositionBits << strip.x.shift;
+        return static_cast<ptrdiff_t>(pixel) * kBytes;
+    }
 
     // Byte and column of each output of eight columns.
     struct Pattern {

@@ -26,6 +26,23 @@ struct RowPair {
     }
 };
 
+// Bytes of two rows of brackets, the lower one weighed by `Eighths`; `count` is a multiple of kUnit.
+template <int Eighths>
+void blend(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) {
+    constexpr int kHalf = kUnit / 2;
+    for (int i = 0; i < count; i += kUnit) {
+        const U16 a = load<U16>(upper + i), b = load<U16>(upper + i + kHalf);
+        if constexpr (Eighths == 0) {
+            store(out + i, narrow_shifted<3>(a, b));
+        } else {
+            store(out + i, narrow_blend<Eighths>(a, load<U16>(lower + i), b, load<U16>(lower + i + kHalf)));
+        }
+    }
+}
+
+constexpr void (*kBlends[8])(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) = {
+    blend<0>, blend<1>, blend<2>, blend<3>, blend<4>, blend<5>, blend<6>, blend<7>};
+
 // Samples the rows of one plane, or of a packed picture, under one strip.
 template <class Pixel, int PerPixel>
 class Sampler {
@@ -35,8 +52,10 @@ public:
     Sampler(const Outputs &columns, const SourceRows &rows, const Axis &y)
         : columns_(columns), rows_(rows), shift_(y.shift), keep_(y.step < kOne) {}
 
-    // Moves to the pair of rows at a position.
-    void seek(int64_t y) {
+    // Moves to the pair of rows at a position. False if that gives the same samples as the one before.
+    bool seek(int64_t y) {
+        if (y >> kEighthBits == eighth_) return false;
+        eighth_ = y >> kEighthBits;
         const int64_t upper = y >> kPositionBits << shift_;
         lower_weight_ = static_cast<uint16_t>(y >> kEighthBits & 7);
         // A row of weight 0 may not exist.
@@ -48,43 +67,48 @@ public:
             upper_ = window_base(upper);
             lower_ = window_base(lower);
         }
+        return true;
     }
 
     // The outputs from..to of that pair of rows; both are multiples of kUnit.
     void write(int from, int to, uint8_t *out) const {
         if (keep_) {
-            blend(from, to, out);
+            kBlends[lower_weight_](upper_sums_ + from, lower_sums_ + from, to - from, out);
+        } else if (columns_.strip.fetch == Fetch::kGather) {
+            sample<Reach::kGathered>(from, to, out);
         } else if (columns_.strip.wide) {
-            sample<true>(from, to, out);
+            sample<Reach::kTwoWindows>(from, to, out);
         } else {
-            sample<false>(from, to, out);
+            sample<Reach::kOneWindow>(from, to, out);
         }
     }
 
 private:
-    static constexpr int kLanes = kVectorBytes / 16;
-    static constexpr int kBufferBytes = (kMaxPixels + kVectorBytes) * Pixel::kSampled;
+    static constexpr int kBufferBytes = Pixel::kMemory == 4 ? 1 : (kMaxPixels + kVectorBytes) * Pixel::kSampled;
 
     // What the windows of the strip count from in a row.
     const uint8_t *window_base(int64_t row) {
         const Strip &strip = columns_.strip;
-        if (strip.fetch == Fetch::kDirect) return rows_.row(row) + strip.origin;
+        if (Pixel::kMemory == 4 || strip.fetch == Fetch::kDirect) return rows_.row(row) + strip.origin;
         bool present;
         uint8_t *buffer = collected_.find(row, present);
-        if (!present) {
-            if constexpr (Pixel::kMemory == Pixel::kSampled) {
-                collect<Pixel::kMemory>(strip, rows_.row(row), buffer);
-            } else {
-                uint8_t collected[kBufferBytes / 2];
-                const uint8_t *words = rows_.row(row) + 2 * strip.first_pixel;
-                if (strip.fetch != Fetch::kCompact || strip.x.shift != 0) {
-                    collect<2>(strip, rows_.row(row), collected);
-                    words = collected;
-                }
-                widen_565(words, strip.pixels, buffer);
-            }
-        }
+        if (!present) collect_row(rows_.row(row), buffer);
         return buffer;
+    }
+
+    void collect_row(const uint8_t *row, uint8_t *buffer) const {
+        const Strip &strip = columns_.strip;
+        if constexpr (Pixel::kMemory == Pixel::kSampled) {
+            if constexpr (Pixel::kMemory != 4) collect<Pixel::kMemory>(strip, row, buffer);
+        } else {
+            uint8_t collected[kBufferBytes / 2];
+            const uint8_t *words = row + 2 * strip.first_pixel;
+            if (strip.fetch != Fetch::kCompact || strip.x.shift != 0) {
+                collect<2>(strip, row, collected);
+                words = collected;
+            }
+            widen_565(words, strip.pixels, buffer);
+        }
     }
 
     // A row sampled across, groups in the order of place_of(). Inline, as it mostly is there already.
@@ -97,61 +121,65 @@ private:
 
     [[gnu::noinline]] void fill_sums(int64_t row, uint16_t *buffer) {
         const uint8_t *source = window_base(row);
-        if (columns_.strip.wide) {
-            sample_across<true>(columns_, source, buffer);
+        if (columns_.strip.fetch == Fetch::kGather) {
+            sample_across<Reach::kGathered>(columns_, source, buffer);
+        } else if (columns_.strip.wide) {
+            sample_across<Reach::kTwoWindows>(columns_, source, buffer);
         } else {
-            sample_across<false>(columns_, source, buffer);
+            sample_across<Reach::kOneWindow>(columns_, source, buffer);
         }
     }
 
-    // The brackets of a vector of groups; the indices and weights of a group lie 2 kGroup bytes apart.
-    template <bool Wide>
-    [[gnu::always_inline]] static U16 across(const Outputs &columns, const uint8_t *row, const uint16_t *offsets,
-                                             ptrdiff_t at) {
-        const U8 indices = load<U8>(columns.indices + at);
-        const U8 weights = load<U8>(columns.weights + at);
-        const U8 window = load_windows(row, offsets);
-        if constexpr (Wide) {
-            return weigh_pairs(shuffle(window, load_windows(row + kWindow, offsets), indices), weights);
+    // How much of a source row the outputs of a group come from.
+    enum class Reach { kOneWindow, kTwoWindows, kGathered };
+
+    // The pairs of neighbours of a vector of groups.
+    template <Reach R>
+    [[gnu::always_inline]] static U8 pairs(const Outputs &columns, const uint8_t *row, ptrdiff_t group, U8 indices) {
+        if constexpr (R == Reach::kGathered) {
+            const ptrdiff_t right = columns.strip.neighbour * Pixel::kMemory;
+            return shuffle(load_neighbours(row, columns.places + 2 * group, right), indices);
+        } else if constexpr (R == Reach::kTwoWindows) {
+            const uint16_t *offsets = columns.offsets + group;
+            return shuffle(load_windows(row, offsets), load_windows(row + kWindow, offsets), indices);
         } else {
-            return weigh_pairs(shuffle(window, indices), weights);
+            return shuffle(load_windows(row, columns.offsets + group), indices);
         }
     }
 
-    // In the loops, members stand in locals: for all the compiler knows, a store of bytes may change them.
-    template <bool Wide>
+    template <Reach R>
     static void sample_across(const Outputs &columns, const uint8_t *row, uint16_t *out) {
-        const uint16_t *offsets = columns.offsets;
-        const ptrdiff_t end = 2 * columns.outputs;
-        for (ptrdiff_t at = 0; at < end; at += kUnit, offsets += kLanes) {
-            store(out + at / 2, across<Wide>(columns, row, offsets, at));
+        const uint8_t *entry = columns.table;
+        const ptrdiff_t groups = columns.outputs / kGroup;
+        for (ptrdiff_t group = 0; group < groups; group += kLanes, entry += 2 * kVectorBytes) {
+            const U8 indices = load<U8>(entry), weights = load<U8>(entry + kVectorBytes);
+            store(out + group * kGroup, weigh_pairs(pairs<R>(columns, row, group, indices), weights));
         }
     }
 
-    template <bool Wide>
+    // The sums of a vector of groups over both rows; members stand in locals, as for all the compiler knows a store of
+    // bytes may change them.
+    struct RowsAcross {
+        const Outputs &columns;
+        const uint8_t *upper, *lower;
+        U16 upper_weight, lower_weight;
+
+        template <Reach R>
+        [[gnu::always_inline]] U16 sums(ptrdiff_t group) const {
+            const uint8_t *entry = columns.table + group * 4 * kGroup;
+            const U8 indices = load<U8>(entry), weights = load<U8>(entry + kVectorBytes);
+            return weigh_two_pairs(pairs<R>(columns, upper, group, indices), pairs<R>(columns, lower, group, indices),
+                                   weights, upper_weight, lower_weight);
+        }
+    };
+
+    template <Reach R>
     void sample(int from, int to, uint8_t *out) const {
-        const Outputs &columns = columns_;
-        const uint8_t *const upper = upper_, *const lower = lower_;
-        const uint16_t *offsets = columns.offsets + from / kGroup;
-        const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
-        for (ptrdiff_t at = 2 * from; at < 2 * to; at += 2 * kUnit, offsets += 2 * kLanes, out += kUnit) {
-            const ptrdiff_t next = at + kUnit;
-            const U16 a =
-                across<Wide>(columns, upper, offsets, at) * w0 + across<Wide>(columns, lower, offsets, at) * w1;
-            const U16 b = across<Wide>(columns, upper, offsets + kLanes, next) * w0 +
-                          across<Wide>(columns, lower, offsets + kLanes, next) * w1;
-            store(out, narrow_shifted<6>(a, b));
-        }
-    }
-
-    void blend(int from, int to, uint8_t *out) const {
-        constexpr int kHalf = kUnit / 2;
-        const uint16_t *const upper = upper_sums_, *const lower = lower_sums_;
-        const U16 w1 = splat<U16>(lower_weight_), w0 = 8 - w1;
-        for (int i = from; i < to; i += kUnit, out += kUnit) {
-            const U16 a = load<U16>(upper + i) * w0 + load<U16>(lower + i) * w1;
-            const U16 b = load<U16>(upper + i + kHalf) * w0 + load<U16>(lower + i + kHalf) * w1;
-            store(out, narrow_shifted<6>(a, b));
+        const U16 lower_weight = splat<U16>(lower_weight_);
+        const RowsAcross rows = {columns_, upper_, lower_, 8 - lower_weight, lower_weight};
+        const ptrdiff_t end = to / kGroup;
+        for (ptrdiff_t group = from / kGroup; group < end; group += 2 * kLanes, out += kUnit) {
+            store(out, narrow_shifted<6>(rows.template sums<R>(group), rows.template sums<R>(group + kLanes)));
         }
     }
 
@@ -159,6 +187,7 @@ private:
     const SourceRows &rows_;
     const int shift_;
     const bool keep_;  // enlarging: a row serves more than one pair, so what is kept is sampled across already
+    int64_t eighth_ = -1;
     uint16_t lower_weight_ = 0;
     const uint8_t *upper_ = nullptr, *lower_ = nullptr;
     const uint16_t *upper_sums_ = nullptr, *lower_sums_ = nullptr;
