@@ -8,7 +8,7 @@
 
 namespace qorv {
 
-// Whether it has all that -march=x86-64-v3 lets a compiler use. Three of these have names that not every compiler knows,
+// Whether it has all that -march=x86-64-v3 lets a compiler use. Three of these have names that not all compilers know,
 // nor does every one know "x86-64-v3". __builtin_cpu_init() has to come first in a constructor.
 inline bool has_x86_64_v3() {
     if (!__builtin_cpu_supports("avx2") || !__builtin_cpu_supports("fma") || !__builtin_cpu_supports("bmi") ||

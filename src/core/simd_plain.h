@@ -90,7 +90,7 @@ template <int A, int B>
             each_lane<U16>([&](int i) { return A * a[i + kHalf] + B * b[i + kHalf]; })};
 }
 
-// A a + B b + C c of bytes, in 16 bits, with the weights of RGB to YUV: all positive with the sum 256, or A or C 128 and
+// A a + B b + C c of bytes, in 16 bits, with the weights of RGB to YUV: all positive of the sum 256, or A or C 128 and
 // the sum 0.
 template <int A, int B, int C>
 [[gnu::always_inline]] inline Wide weighted(U8 a, U8 b, U8 c) {
@@ -161,7 +161,7 @@ template <class V>
     return (Vec<uint32_t, 16>)a;
 }
 
-// Whether there is sums_and_differences<Width, Bytes>(row, next), a vector of `Bytes` bytes loaded as the first stage of
+// Whether there is sums_and_differences<Width, Bytes>(row, next), a vector of `Bytes` bytes loaded as first stage of
 // a horizontal Hadamard transform: the sums of neighbouring bytes in the lower half of the 16-bit lanes, their
 // differences in the upper one. `Width` bytes come from `row`, and as many from `next` if that is a quarter of the
 // vector. With rows of 4 bytes, each half has first the sums and then the differences of one row.
@@ -252,7 +252,7 @@ template <int N>
     return each_lane<U8>([&](int i) { return indices[i] < 16 ? v[indices[i]] : w[indices[i] - 16]; });
 }
 
-// Eight pairs of bytes from lanes below 256, the first of each from a and the second from b, laid as weigh_pairs() takes
+// Eight pairs of bytes from lanes below 256, the first of each from a, the second from b, laid as weigh_pairs() takes
 // them: side by side, or all first ones before all second ones. Vectors of 16 bytes alone.
 [[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
     return each_lane<Vec<uint8_t, 16>>([&](int i) { return i % 2 == 0 ? a[i / 2] : b[i / 2]; });

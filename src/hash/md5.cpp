@@ -39,8 +39,8 @@ constexpr uint32_t rotate_left(uint32_t value, int bits) {
     return value << bits | value >> (32 - bits);
 }
 
-// sum + f(b, c, d), f being the function of the round. b is the value that the previous step has just made, and the time
-// of a block is the length of the chain through it: additions that need not wait for b come first and stay there.
+// sum + f(b, c, d), f being the function of the round. b is the value that the previous step has just made, and the
+// time of a block the length of the chain through it: additions that need not wait for b come first and stay there.
 template <int kRound>
 inline uint32_t add_mixed(uint32_t sum, uint32_t b, uint32_t c, uint32_t d) {
     if constexpr (kRound == 0) return sum + (d ^ (b & (c ^ d)));

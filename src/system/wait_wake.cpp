@@ -54,7 +54,7 @@ void publish(int32_t *word, int32_t value) {
 constexpr int kYields = 20;
 constexpr int kPausesPerYield = 10;
 
-// Waiters that are asleep or about to be. While it is 0 a wake costs no system call. It hastens a wake and decides none:
+// Waiters that are asleep or about to be. While it is 0 a wake costs no system call. It hastens wakes and decides none:
 // waiters of another copy of the library or of another process are not counted here, nor does a plain store look.
 int32_t sleepers = 0;
 
