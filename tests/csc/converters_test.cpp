@@ -74,7 +74,7 @@ void expect_same(const CscCase &c, const Placement &placement, size_t bytes, int
     expect_same_memory(
         placement, bytes, random, [&](const Call &call) { run(c, call, w, h); },
         [&](const Call &call) { csc_reference(c, call.src, w, h, call.src_stride, call.dst, call.dst_stride); },
-        c.name + (" " + text(w, h)));
+        std::string(c.name) + " " + text(w, h));
 }
 
 enum class Channels { kCanonical, kReversed, kUnrelated };
@@ -110,7 +110,7 @@ void expect_same_scaled(const CscScalingCase &c, const Placement &placement, siz
             csc_scaling_reference(*c.unscaled, call.src, src_w, src_h, call.src_stride, call.dst, dst_w, dst_h,
                                   call.dst_stride);
         },
-        c.name + (" " + text(src_w, src_h) + " to " + text(dst_w, dst_h)));
+        std::string(c.name) + " " + text(src_w, src_h) + " to " + text(dst_w, dst_h));
 }
 
 class Converters : public WithKernelSet {};
