@@ -8,7 +8,7 @@ from bench_results import destination_pixels, first_number, geometric_mean, rati
 FIGURES = {"instructions": "instructions", "cortex-a55": "A55", "neoverse-n1": "N1", "neoverse-v2": "V2"}
 MODELS = list(FIGURES)[1:]
 # Peers that are not: our own members of one size.
-OURS_TOO = ("fixed",)
+OURS_TOO = ("fixed", "canonical", "loop")
 
 
 @dataclass
@@ -26,6 +26,7 @@ def families():
     calls = lambda label: 64
     return [
         Family("Colour converters", r"csc/(.*)/256x256", "pixel", lambda label: 256 * 256),
+        Family("Small pictures", r"csc_small/(.*)", "call", lambda label: 1),
         Family("Scaling converters", r"scaling/(.*)", "pixel", destination_pixels),
         Family("Resizer", r"resize/((?!.*640x360_320x180).*)", "pixel", destination_pixels),
         Family("Resizer at exactly 2:1", r"resize/(.*640x360_320x180)", "pixel", destination_pixels),
@@ -34,6 +35,7 @@ def families():
         Family("SATD", r"metric/((?:satd|hadamard).*)", "call", calls),
         Family("Differences", r"metric/(diff.*)", "call", calls),
         Family("Bit reader", r"bsr/(.*)", "code", lambda label: 1 << 16),
+        Family("Bit writer", r"bsw/(.*)", "code", lambda label: 1 << 16),
         Family("MD5", r"md5/(.*)", "byte", first_number(256)),
         Family("Fills", r"memory/(mset_.*|mset16/.*)", "call", lambda label: 1),
         Family("Copies", r"memory/(mcpy.*)", "call", lambda label: 1),

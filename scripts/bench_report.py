@@ -42,6 +42,10 @@ def families():
         Family("Colour converters, 1920x1080", r"csc/(.*)/1920x1080",
                "6 to 12 MB a call: most of these run at the speed of the memory, ours and the peers alike.", 1, "pixel",
                lambda label: 1920 * 1080),
+        Family("Small pictures", r"csc_small/(.*)", "Beside libyuv on the same picture: rows one after the other, or apart."),
+        Family("Pictures in another order", r"csc_(?:order|narrow)/(.*)",
+               "`canonical` is our own converter on a tidy picture.", chart=False),
+        Family("Overlapping pictures", r"csc_overlap/(.*)", "`loop` is a plain loop over pixels.", chart=False),
         Family("Scaling converters", r"scaling/(.*)",
                "libyuv scales each plane, then converts; libswscale does both.", 1, "pixel", destination_pixels),
         Family("Resizer", r"resize/((?!.*640x360_320x180).*)", "", 1, "pixel", destination_pixels),
@@ -57,6 +61,7 @@ def families():
         Family("Bit reader", r"bsr/(.*)",
                "Time of one field or code. `inline64` is a reader that is inlined into its caller, `call` the least "
                "that an exported function can do to a reader.", 1 << 16),
+        Family("Bit writer", r"bsw/(.*)", "Time of one field or code. `inline64` is a writer that is inlined.", 1 << 16),
         Family("Key frames", r"key_frame/(.*)",
                "Data without a start code, so that all of it is scanned; the peer only copies it.", 1, "byte",
                lambda label: 1 << 20, chart=False),
