@@ -108,7 +108,7 @@ void for_all_blocks(int w, int h, SampleType type_a, SampleType type_b, const Ch
     }
 }
 
-constexpr int kWidths[] = {1, 2, 3, 4, 5, 7, 8, 11, 15, 16, 17, 31, 32, 33, 40, 63, 64, 65, 100, 131};
+constexpr int kWidths[] = {1, 2, 3, 4, 5, 7, 8, 11, 12, 15, 16, 17, 28, 31, 32, 33, 40, 63, 64, 65, 100, 131};
 constexpr int kHeights[] = {1, 2, 3, 4, 5, 7, 8, 13, 64, 67};
 
 template <class Member, class Check>
