@@ -1048,7 +1048,7 @@ QORV_API int32_t qorv_bsw_size_se(int32_t value);
  *  That is exact, at the speed of such a loop in C; faster where strips of pixels are seen to be safe, as when
  *  destinations lie exactly on sources or rows keep clear of each other.
  *
- *  Converters take no memory from the heap; those that do not scale take at most 8 KiB of stack.
+ *  Converters take no memory from the heap; those that do not scale take at most 10 KiB of stack.
  *  @{ */
 
 /**
