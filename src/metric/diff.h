@@ -113,8 +113,8 @@ template <class A, class B>
         h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
             for_each_strip<kVectorBytes / 2>(
                 w, [&](auto columns, ptrdiff_t x, auto) __attribute__((always_inline)) {
-                    diff_strip<columns.value, 4>(a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b,
-                                                 stride_out, out + y * stride_out + x, rows);
+                    diff_strip<columns.value, kForSize ? 1 : 2>(a + y * stride_a + x, b + y * stride_b + x, stride_a,
+                                                                stride_b, stride_out, out + y * stride_out + x, rows);
                 });
         });
 }

@@ -231,15 +231,14 @@ template <Term term, In in, class A, class B>
                                         int32_t stride_b) {
     constexpr int kLanes = in == In::kBytes ? kVectorBytes : kVectorBytes / 2;
     constexpr int kWidest = in == In::kLongs ? kLanes : kMaxStrip;
+    constexpr int kStep = in == In::kBytes && !kForSize ? 4 : 1;
     uint32_t sum = 0;
     for_each_band(
         h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
             for_each_strip<kLanes, kWidest>(
                 w, [&](auto columns, ptrdiff_t x, auto again) __attribute__((always_inline)) {
-                    sum += strip_sum < term, in, columns.value,
-                        in == In::kLongs
-                            ? 1
-                            : 4 > (again, a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b, rows);
+                    sum += strip_sum<term, in, columns.value, kStep>(again, a + y * stride_a + x, b + y * stride_b + x,
+                                                                     stride_a, stride_b, rows);
                 });
         });
     return sum;

@@ -166,7 +166,7 @@ TEST(CppInterface, ConvertersAreHandedWhatTheyCount) {
     ASSERT_EQ(status, Status::ok);
     for (uint32_t i = 0; i < 3; i++) {
         for (int y = 0; y < 2; y++) {
-            for (int x = 0; x < 7; x++) image.plane(i)(x, y) = static_cast<uint8_t>(40 * i + 20 * y + 3 * x);
+            for (int x = 0; x < 7; x++) image.plane(i)(x, y) = static_cast<uint8_t>(40 * int(i) + 20 * y + 3 * x);
         }
     }
     uint8_t rgba[2][28], bgra[2][28];
