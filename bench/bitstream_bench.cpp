@@ -70,7 +70,7 @@ public:
         std::memcpy(next_, &word, sizeof word);
         next_ += 4;
     }
-    void ue(uint32_t value) { write(value + 1, 2 * std::bit_width(value + 1) - 1); }
+    void ue(uint32_t value) { write(value + 1, 2 * static_cast<int>(std::bit_width(value + 1)) - 1); }
 
 private:
     uint64_t cache_ = 0;
