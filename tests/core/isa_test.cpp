@@ -2,6 +2,7 @@
 #include "core/isa.h"
 
 #include <gtest/gtest.h>
+#include <sys/auxv.h>
 
 #include <fstream>
 #include <sstream>
@@ -27,7 +28,8 @@ TEST(KernelSet, IsTheBestThatTheProcessorHas) {
     const bool v3 = processor_has(std::istringstream("avx2 bmi1 bmi2 f16c fma abm movbe"));
     EXPECT_STREQ(qorv::active.name, v3 ? "v3" : "v2");
 #elif defined(QORV_HAVE_neon)
-    EXPECT_STREQ(qorv::active.name, "neon");
+    const bool dot_products = (getauxval(AT_HWCAP) >> 20 & 1) != 0;  // HWCAP_ASIMDDP
+    EXPECT_STREQ(qorv::active.name, dot_products ? "dotprod" : "neon");
 #else
     EXPECT_STREQ(qorv::active.name, "plain");
 #endif
