@@ -11,9 +11,9 @@ static int traces, reached_main;
 
 static _Unwind_Reason_Code visit(struct _Unwind_Context *context, void *unused) {
     (void)unused;
-    /* The return address may be the function's last. */
-    void *inside = (char *)_Unwind_GetIP(context) - 1;
-    if (_Unwind_FindEnclosingFunction(inside) == (void *)main) reached_main++;
+    const _Unwind_Ptr address = _Unwind_GetIP(context);
+    /* 0 ends the walk. The return address may be the one after the function's last byte. */
+    if (address != 0 && _Unwind_FindEnclosingFunction((void *)(address - 1)) == (void *)main) reached_main++;
     return _URC_NO_REASON;
 }
 
