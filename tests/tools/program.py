@@ -82,15 +82,17 @@ def shown_as_565(rgb):
 
 
 def survives_damage(path, *arguments, out=None, rounds=60):
-    """Cuts the file short everywhere and changes bytes at random: a clear error or a result, and nothing worse."""
+    """Cuts the file short everywhere and changes bytes at random: a clear error or a result, and nothing worse.
+    Much damage leaves a file that reads well; only of the first one, which leaves nothing, is an error sure."""
     generator = random.Random(SEED)
     with open(path, "rb") as file:
         whole = file.read()
     damaged = "damaged" + os.path.splitext(path)[1]
-    errors = 0
     for i in range(rounds // 10 if WRAPPER else rounds):
         data = bytearray(whole)
-        if i % 2 == 0:
+        if i == 0:
+            data.clear()
+        elif i % 2 == 0:
             del data[generator.randrange(len(data) if i % 4 == 0 else min(len(data), 300)):]
         else:
             for _ in range(generator.randrange(1, 8)):
@@ -99,6 +101,5 @@ def survives_damage(path, *arguments, out=None, rounds=60):
             file.write(data)
         outcome = qorv(*arguments, damaged, *([out] if out else []), status=None)
         if isinstance(outcome, str):
-            errors += 1
             assert damaged in outcome and len(outcome) < 400, outcome
-    assert errors > 0 or WRAPPER, "no damage was noticed"
+        assert i > 0 or isinstance(outcome, str), "an empty file is no error"
