@@ -1,4 +1,5 @@
 // qorv: a command-line program on the public header of libqorv_skia, and the living example of its use.
+#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -45,7 +46,6 @@ int fail(const char *reason) {
     return 1;
 }
 
-// The command runs while its line is parsed.
 int run(CLI::App &app, int argc, char **argv) {
     try {
         app.parse(argc, argv);

@@ -1,5 +1,8 @@
 #include "tools/commands/command.h"
 
+#include <CLI/CLI.hpp>
+#include <utility>
+
 #include "tools/base/pipeline.h"
 
 namespace tool {
@@ -19,34 +22,72 @@ public:
 
 }  // namespace
 
-CLI::App *add_command(CLI::App &app, const char *name, const char *summary, Verbosity &verbosity) {
-    CLI::App *const command = app.add_subcommand(name, summary);
-    command->formatter(std::make_shared<HelpFormatter>());
-    command->add_flag("--quiet", verbosity.quiet, "No progress, no warnings, no figures beside the result");
-    command->add_flag("--json", verbosity.json, "Print JSON");
-    return command;
+Command::Command(CLI::App &app, const char *name, const char *summary, Verbosity &verbosity)
+    : command_(app.add_subcommand(name, summary)) {
+    command_->formatter(std::make_shared<HelpFormatter>());
+    add_flag("--quiet", verbosity.quiet, "No progress, no warnings, no figures beside the result");
+    add_flag("--json", verbosity.json, "Print JSON");
 }
 
-CLI::Option *add_choice(CLI::App *command, const char *name, const char *text, std::string &value,
-                        const std::vector<std::string> &choices, const std::string &help) {
-    return add_option(command, name, text, value, help)->check(CLI::IsMember(choices));
+void Command::add_argument(const char *name, std::string &value, const char *help) {
+    command_->add_option(name, value, help);
 }
 
-void add_threads(CLI::App *command, int &threads) {
+void Command::add_option(const char *name, const char *text, std::string &value, const char *help) {
+    command_->add_option(name, value, help)->option_text(text);
+}
+
+void Command::add_choice(const char *name, const char *text, std::string &value,
+                         const std::vector<std::string> &choices, const char *help) {
+    command_->add_option(name, value, help)->option_text(text)->check(CLI::IsMember(choices));
+}
+
+template <class T>
+void Command::add_number(const char *name, const char *text, T &value, T least, T most, const char *help) {
+    command_->add_option(name, value, help)->option_text(text)->check(CLI::Range(least, most));
+}
+template void Command::add_number(const char *, const char *, int &, int, int, const char *);
+template void Command::add_number(const char *, const char *, uint32_t &, uint32_t, uint32_t, const char *);
+template void Command::add_number(const char *, const char *, uint64_t &, uint64_t, uint64_t, const char *);
+
+void Command::add_flag(const char *name, bool &value, const char *help) {
+    command_->add_flag(name, value, help);
+}
+
+void Command::add_threads(int &threads) {
     threads = processor_count();
-    add_option(command, "--threads", "N", threads, "Threads that do the work (default: the processors)")
-        ->check(CLI::Range(1, kMostThreads));
+    add_number("--threads", "N", threads, 1, kMostThreads, "Threads that do the work (default: the processors)");
 }
 
-void add_video_options(CLI::App *command, VideoOptions &video, bool with_range) {
-    add_option(command, "--raw", "WxH", video.raw_size, "The stream is raw planes of this size");
-    add_option(command, "--pix", "FORMAT", video.raw_pixels,
+void Command::add_quality(int &quality) {
+    add_number("--quality", "Q", quality, 1, 100, "Of JPEG, 1 to 100 (default: 90)");
+}
+
+void Command::add_video_options(VideoOptions &video, bool with_range) {
+    add_option("--raw", "WxH", video.raw_size, "The stream is raw planes of this size");
+    add_option("--pix", "FORMAT", video.raw_pixels,
                "Their format, by FFmpeg's name: yuv420p, yuv422p, yuv444p, yuv411p, yuv440p, yuva444p, gray;\n"
                "yuvj...: full range; yuv420p10le, gray12le, ...: 9 to 16 bits");
     if (!with_range) return;
-    add_choice(command, "--range", "full|limited", video.range, {"full", "limited"},
+    add_choice("--range", "full|limited", video.range, {"full", "limited"},
                "The range of the stream's samples. Default: as the stream says; without a word\n"
                "limited where chroma is subsampled, else full");
+}
+
+void Command::exclude(const char *name, const char *other) {
+    command_->get_option(name)->excludes(command_->get_option(other));
+}
+
+bool Command::has(const char *name) const {
+    return command_->count(name) > 0;
+}
+
+void Command::set_footer(const char *text) {
+    command_->footer(text);
+}
+
+void Command::set_action(std::function<void()> action) {
+    command_->callback(std::move(action));
 }
 
 void need(const std::string &value, const char *name) {

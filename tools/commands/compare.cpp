@@ -233,17 +233,17 @@ void compare_command(const Options &options) {
 
 void add_compare_command(CLI::App &app) {
     auto options = std::make_shared<Options>();
-    CLI::App *const command = add_command(app, "compare", "Measure how far two streams lie apart", *options);
-    add_argument(command, "A", options->a, "Y4M stream or raw planes ('-': standard input)");
-    add_argument(command, "B", options->b, "The other one, of the same size and format");
-    add_video_options(command, options->video, false);
-    add_threads(command, options->threads);
-    command->footer(
+    Command command(app, "compare", "Measure how far two streams lie apart", *options);
+    command.add_argument("A", options->a, "Y4M stream or raw planes ('-': standard input)");
+    command.add_argument("B", options->b, "The other one, of the same size and format");
+    command.add_video_options(options->video, false);
+    command.add_threads(options->threads);
+    command.set_footer(
         "For every frame and in total: sum of absolute differences (SAD), of squared differences (SSD) and of the\n"
         "magnitudes of the 4x4 Hadamard transforms (SATD) over all planes, PSNR of all planes and of each one.\n"
         "PSNR is that of FFmpeg's psnr filter; equal pictures have inf, in JSON null. For the SATD the last column\n"
         "and row are repeated up to multiples of 4. JSON has every number for every plane.");
-    command->callback([options] { compare_command(*options); });
+    command.set_action([options] { compare_command(*options); });
 }
 
 }  // namespace tool

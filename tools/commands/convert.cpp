@@ -118,41 +118,39 @@ bool ConvertOptions::many_in() const {
 
 void add_convert_command(CLI::App &app) {
     auto options = std::make_shared<ConvertOptions>();
-    CLI::App *const command = add_command(app, "convert", "Convert between streams of video and pictures", *options);
-    add_argument(command, "IN", options->in,
-                 "Y4M stream, raw planes, or PNG, JPEG, PPM or PGM picture ('-': standard input).\nframe-%03d.png: "
-                 "numbered pictures");
-    add_argument(command, "OUT", options->out, "What to write, by its extension ('-': standard output, with --to)");
-    add_choice(command, "--to", "png|jpeg|ppm|pgm|y4m", options->to, kind_words(),
-               "What to write, where the name does not tell");
-    add_choice(command, "--format", "LAYOUT", options->layout, pixel_format_names(),
-               "RGB layout to convert through: the picture shows what the converter made of it.\n"
-               "rgb888, rgba8888, bgra8888, argb8888 (from streams with alpha), rgb565, r8g8b8, r10g10b10.\n"
-               "Default: rgb888, rgba8888 with alpha, r10g10b10 above 8 bits");
-    add_option(command, "--size", "WxH", options->size, "Scale a stream's frames to this size");
-    CLI::Option *const frame =
-        add_option(command, "--frame", "N", options->frame, "Which frame, counted from 0 (default: 0; to Y4M: all)")
-            ->check(CLI::Range(uint64_t{0}, uint64_t{UINT32_MAX}));
-    command
-        ->add_flag("--all", options->all,
-                   "Every frame, to OUT-00000.png, OUT-00001.png, ...; of IN.png: IN-00000.png, ...")
-        ->excludes(frame);
-    add_option(command, "--fps", "RATE", options->fps,
-               "Frames a second of a stream to write: 25, 29.97, 30000/1001 (default: IN's, or 25)");
-    add_video_options(command, options->video, true);
-    add_option(command, "--quality", "Q", options->quality, "Of JPEG, 1 to 100 (default: 90)")
-        ->check(CLI::Range(1, 100));
-    add_threads(command, options->threads);
-    command->footer(
+    Command command(app, "convert", "Convert between streams of video and pictures", *options);
+    command.add_argument(
+        "IN", options->in,
+        "Y4M stream, raw planes, or PNG, JPEG, PPM or PGM picture ('-': standard input).\nframe-%03d.png: "
+        "numbered pictures");
+    command.add_argument("OUT", options->out, "What to write, by its extension ('-': standard output, with --to)");
+    command.add_choice("--to", "png|jpeg|ppm|pgm|y4m", options->to, kind_words(),
+                       "What to write, where the name does not tell");
+    command.add_choice("--format", "LAYOUT", options->layout, pixel_format_names(),
+                       "RGB layout to convert through: the picture shows what the converter made of it.\n"
+                       "rgb888, rgba8888, bgra8888, argb8888 (from streams with alpha), rgb565, r8g8b8, r10g10b10.\n"
+                       "Default: rgb888, rgba8888 with alpha, r10g10b10 above 8 bits");
+    command.add_option("--size", "WxH", options->size, "Scale a stream's frames to this size");
+    command.add_number("--frame", "N", options->frame, uint64_t{0}, uint64_t{UINT32_MAX},
+                       "Which frame, counted from 0 (default: 0; to Y4M: all)");
+    command.add_flag("--all", options->all,
+                     "Every frame, to OUT-00000.png, OUT-00001.png, ...; of IN.png: IN-00000.png, ...");
+    command.exclude("--all", "--frame");
+    command.add_option("--fps", "RATE", options->fps,
+                       "Frames a second of a stream to write: 25, 29.97, 30000/1001 (default: IN's, or 25)");
+    command.add_video_options(options->video, true);
+    command.add_quality(options->quality);
+    command.add_threads(options->threads);
+    command.set_footer(
         "Colours are BT.601; limited range is expanded. Examples:\n"
         "  ffmpeg -i clip.mp4 clip.y4m && qorv convert clip.y4m first.png\n"
         "  ffmpeg -i clip.mp4 -f yuv4mpegpipe - | qorv convert - frame.jpg --all\n"
         "  qorv convert clip.y4m small.png --format rgb565 --size 320x180 --frame 10\n"
         "  qorv convert clip.y4m small.y4m --size 640x360\n"
         "  qorv convert frame-%05d.png clip.y4m --fps 25");
-    command->callback([options, frame] {
+    command.set_action([options, command] {
         check_options(*options);
-        options->every_frame = options->kind == FileKind::kY4m ? frame->count() == 0 : options->many_out();
+        options->every_frame = options->kind == FileKind::kY4m ? !command.has("--frame") : options->many_out();
         print_report(run(*options), *options);
     });
 }

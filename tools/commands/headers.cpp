@@ -204,15 +204,14 @@ void headers_command(const Options &options) {
 
 void add_headers_command(CLI::App &app) {
     auto options = std::make_shared<Options>();
-    CLI::App *const command =
-        add_command(app, "headers", "List the NAL units of an H.264 or HEVC byte stream", *options);
-    add_argument(command, "IN", options->in, "Byte stream with start codes ('-': standard input)");
-    add_choice(command, "--codec", "h264|hevc", options->codec, {"h264", "hevc"},
-               "What the stream is. Default: what its first NAL units look like");
-    command->footer(
+    Command command(app, "headers", "List the NAL units of an H.264 or HEVC byte stream", *options);
+    command.add_argument("IN", options->in, "Byte stream with start codes ('-': standard input)");
+    command.add_choice("--codec", "h264|hevc", options->codec, {"h264", "hevc"},
+                       "What the stream is. Default: what its first NAL units look like");
+    command.set_footer(
         "Sequence parameter sets are parsed down to the picture's size and depth. Example:\n"
         "  ffmpeg -i clip.mp4 -c copy -bsf:v h264_mp4toannexb clip.h264 && qorv headers clip.h264");
-    command->callback([options] { headers_command(*options); });
+    command.set_action([options] { headers_command(*options); });
 }
 
 }  // namespace tool

@@ -211,12 +211,11 @@ void keyframes_command(const Options &options) {
 
 void add_keyframes_command(CLI::App &app) {
     auto options = std::make_shared<Options>();
-    CLI::App *const command =
-        add_command(app, "keyframes", "Find the key frames of an AVI file and compare with its index", *options);
-    add_argument(command, "IN", options->in, "AVI file ('-': standard input)");
-    command->add_flag("--list", options->list, "A line for every frame in place of the strip of marks");
-    command->footer("The frames are those of the first video stream.");
-    command->callback([options] { keyframes_command(*options); });
+    Command command(app, "keyframes", "Find the key frames of an AVI file and compare with its index", *options);
+    command.add_argument("IN", options->in, "AVI file ('-': standard input)");
+    command.add_flag("--list", options->list, "A line for every frame in place of the strip of marks");
+    command.set_footer("The frames are those of the first video stream.");
+    command.set_action([options] { keyframes_command(*options); });
 }
 
 }  // namespace tool

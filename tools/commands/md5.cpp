@@ -129,16 +129,15 @@ void md5_command(const Options &options) {
 
 void add_md5_command(CLI::App &app) {
     auto options = std::make_shared<Options>();
-    CLI::App *const command =
-        add_command(app, "md5", "Print the MD5 of every frame of a stream and of all of them", *options);
-    add_argument(command, "IN", options->in, "Y4M stream or raw planes ('-': standard input)");
-    add_video_options(command, options->video, false);
-    add_threads(command, options->threads);
-    command->footer(
+    Command command(app, "md5", "Print the MD5 of every frame of a stream and of all of them", *options);
+    command.add_argument("IN", options->in, "Y4M stream or raw planes ('-': standard input)");
+    command.add_video_options(options->video, false);
+    command.add_threads(options->threads);
+    command.set_footer(
         "The digests are those of the raw pictures, as FFmpeg computes them:\n"
         "  ffmpeg -i clip.y4m -f rawvideo clip.yuv && md5sum clip.yuv     the last line\n"
         "  ffmpeg -i clip.y4m -c:v rawvideo -f framemd5 -                 the lines of the frames");
-    command->callback([options] { md5_command(*options); });
+    command.set_action([options] { md5_command(*options); });
 }
 
 }  // namespace tool

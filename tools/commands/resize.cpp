@@ -132,27 +132,26 @@ void resize_command(const Options &options) {
 
 void add_resize_command(CLI::App &app) {
     auto options = std::make_shared<Options>();
-    CLI::App *const command = add_command(app, "resize", "Resize a picture", *options);
+    Command command(app, "resize", "Resize a picture", *options);
     std::vector<std::string> names;
     for (const Layout &layout : kLayouts) names.emplace_back(layout.name);
-    add_argument(command, "IN", options->in, "PNG, JPEG, PPM or PGM picture, brought to 8 bits ('-': standard input)");
-    add_argument(command, "OUT", options->out, "Picture to write, by its extension ('-': standard output, with --to)");
-    add_option(command, "--size", "WxH", options->size, "Width and height of the result");
-    add_choice(command, "--to", "png|jpeg|ppm|pgm", options->to, {"png", "jpeg", "ppm", "pgm"},
-               "What to write, where the name does not tell");
-    add_choice(command, "--format", "LAYOUT", options->layout, names,
-               "Pixels to resize; the result shows them: gray, rgb888, rgba8888, rgb565. Default: the picture's own.\n"
-               "Colour becomes gray as its luma; alpha is dropped or added as it must");
-    add_option(command, "--band-height", "ROWS", options->band_height,
-               "Hand the source over in bands of so many rows; the result is the same")
-        ->check(CLI::Range(1u, 32768u));
-    add_option(command, "--quality", "Q", options->quality, "Of JPEG, 1 to 100 (default: 90)")
-        ->check(CLI::Range(1, 100));
-    command->footer(
+    command.add_argument("IN", options->in, "PNG, JPEG, PPM or PGM picture, brought to 8 bits ('-': standard input)");
+    command.add_argument("OUT", options->out, "Picture to write, by its extension ('-': standard output, with --to)");
+    command.add_option("--size", "WxH", options->size, "Width and height of the result");
+    command.add_choice("--to", "png|jpeg|ppm|pgm", options->to, {"png", "jpeg", "ppm", "pgm"},
+                       "What to write, where the name does not tell");
+    command.add_choice(
+        "--format", "LAYOUT", options->layout, names,
+        "Pixels to resize; the result shows them: gray, rgb888, rgba8888, rgb565. Default: the picture's own.\n"
+        "Colour becomes gray as its luma; alpha is dropped or added as it must");
+    command.add_number("--band-height", "ROWS", options->band_height, 1u, 32768u,
+                       "Hand the source over in bands of so many rows; the result is the same");
+    command.add_quality(options->quality);
+    command.set_footer(
         "Bilinear on a grid of eighths; reductions of more than 2 to 1 skip source pixels. Examples:\n"
         "  qorv resize picture.png small.png --size 320x180\n"
         "  qorv resize photo.jpg words.png --size 640x360 --format rgb565 --band-height 16");
-    command->callback([options] { resize_command(*options); });
+    command.set_action([options] { resize_command(*options); });
 }
 
 }  // namespace tool
