@@ -53,7 +53,8 @@ template <int Bytes>
     return (Vec<int16_t, 16>)vmovl_u8(vld1_u8(p));
 }
 
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+template <class Offset>
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const Offset *offsets) {
     return load<U8>(p + offsets[0]);
 }
 
@@ -275,6 +276,8 @@ template <int N>
 
 // The first bytes of the pairs in the lower half, the second ones in the upper: two widening multiplications then weigh
 // them.
+constexpr bool kPairsSideBySide = false;
+
 [[gnu::always_inline]] inline U8 pair_up(U16 a, U16 b) {
     return (U8)vmovn_high_u16(vmovn_u16((uint16x8_t)a), (uint16x8_t)b);
 }

@@ -72,7 +72,8 @@ template <int Bytes>
 }
 
 // 16 bytes from p + offsets[0] and, where there is a second 128-bit lane, 16 from p + offsets[1].
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+template <class Offset>
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const Offset *offsets) {
     return load<U8>(p + offsets[0]);
 }
 
@@ -254,6 +255,8 @@ template <int N>
 
 // Eight pairs of bytes from lanes below 256, the first of each from a, the second from b, laid as weigh_pairs() takes
 // them: side by side, or all first ones before all second ones. Vectors of 16 bytes alone.
+constexpr bool kPairsSideBySide = true;
+
 [[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
     return each_lane<Vec<uint8_t, 16>>([&](int i) { return i % 2 == 0 ? a[i / 2] : b[i / 2]; });
 }

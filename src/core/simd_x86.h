@@ -184,7 +184,8 @@ requires(Bytes == 32) [[gnu::always_inline]] inline Vec<int16_t, 32> load_widene
 
 #endif
 
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const uint16_t *offsets) {
+template <class Offset>
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const Offset *offsets) {
     const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[0]));
 #if QORV_VECTOR_BYTES == 32
     const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[1]));
@@ -434,6 +435,8 @@ template <int N>
 [[gnu::always_inline]] inline U8 shuffle(U8 v, U8 w, U8 indices) {
     return shuffle(v, (U8)QORV_MM(adds_epu8)((Register)indices, QORV_MM(set1_epi8)(0x70))) | shuffle(w, indices - 16);
 }
+
+constexpr bool kPairsSideBySide = true;
 
 [[gnu::always_inline]] inline Vec<uint8_t, 16> pair_up(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
     return (Vec<uint8_t, 16>)(a | (b << 8));

@@ -108,14 +108,32 @@ template <int N>
     }
 }
 
-// The two neighbours of a vector's columns, pixels of four bytes.
-[[gnu::always_inline]] inline U8 load_neighbours(const uint8_t *row, const ptrdiff_t *places, ptrdiff_t right) {
+// The two neighbours of a vector's columns, pixels of four bytes: two columns a lane. The first ones of all lanes have
+// their places before the second ones.
+[[gnu::always_inline]] inline U8 load_neighbours(const uint8_t *row, const uint32_t *places, ptrdiff_t right) {
+    const uint8_t *next_row = row + right;
+    hide_origin(next_row);  // or each of its addresses is worked out from the row's
     const auto left = [=](int i) { return load<uint32_t>(row + places[i]); };
-    const auto next = [=](int i) { return load<uint32_t>(row + places[i] + right); };
+    const auto next = [=](int i) { return load<uint32_t>(next_row + places[i]); };
 #if QORV_VECTOR_BYTES == 32
-    return (U8)U32{left(0), next(0), left(1), next(1), left(2), next(2), left(3), next(3)};
+    return (U8)U32{left(0), next(0), left(2), next(2), left(1), next(1), left(3), next(3)};
 #else
     return (U8)U32{left(0), next(0), left(1), next(1)};
+#endif
+}
+
+// The same where every second pixel is looked at. Of each column 16 bytes are read, from `Before` bytes before its left
+// pixel on: one pixel, the first or the last, is not needed.
+template <int Before>
+[[gnu::always_inline]] inline U8 load_second_neighbours(const uint8_t *row, const uint32_t *places) {
+    using F32 = Vec<float>;  // or g++ does not see that it is one instruction
+    constexpr int k = Before / 4;
+    const F32 first = (F32)load_windows(row - Before, places),
+              second = (F32)load_windows(row - Before, places + kLanes);
+#if QORV_VECTOR_BYTES == 32
+    return (U8)__builtin_shufflevector(first, second, k, k + 2, k + 8, k + 10, k + 4, k + 6, k + 12, k + 14);
+#else
+    return (U8)__builtin_shufflevector(first, second, k, k + 2, k + 4, k + 6);
 #endif
 }
 

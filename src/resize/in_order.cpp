@@ -78,13 +78,16 @@ Rows rows_at(const uint8_t *start, ptrdiff_t bytes, ptrdiff_t stride, ptrdiff_t 
     return {reinterpret_cast<intptr_t>(start), bytes, stride, count};
 }
 
-bool apart(const Rows &a, const Rows &b) {
-    if (a.end() <= b.first() || b.end() <= a.first()) return true;
-    // Side by side in one larger picture.
+// Side by side in one larger picture.
+bool beside(const Rows &a, const Rows &b) {
     if (a.stride != b.stride || a.stride == 0) return false;
     const ptrdiff_t stride = a.stride < 0 ? -a.stride : a.stride;
     const ptrdiff_t offset = ((b.start - a.start) % stride + stride) % stride;
     return offset >= a.bytes && offset + b.bytes <= stride;
+}
+
+[[gnu::always_inline]] inline bool apart(const Rows &a, const Rows &b) {
+    return a.end() <= b.first() || b.end() <= a.first() || beside(a, b);
 }
 
 }  // namespace

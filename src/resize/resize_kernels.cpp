@@ -61,32 +61,162 @@ int32_t strip_columns(const Part &part, int32_t done) {
     for (ptrdiff_t i = 0; i < bytes; i += kLine) __builtin_prefetch(dst + i, 1);
 }
 
-// The rows of a strip. Enlarged by so much that an eighth serves two rows and more, a row is sampled once and copied.
+// Enlarged by so much that an eighth of a source row serves two rows and more, only the first of these is sampled.
+bool rows_repeat(const Axis &axis) {
+    return axis.step <= kOne / 16;
+}
+
+// The rows of a strip, without those that repeat the one before them.
 template <class Store, class Sampler>
 void resize_strip(const ResizeJob &job, Sampler &sampler, int columns, uint8_t *dst) {
     const ptrdiff_t bytes = ptrdiff_t{columns} * Store::kPixelBytes;
     const int64_t step = job.grid.y.step;
-    const bool repeats = step <= kOne / 16, expect = step < kOne && columns < job.part.w;
-    uint8_t line[kStripColumns * Store::kPixelBytes];
+    const bool repeats = rows_repeat(job.grid.y), expect = !repeats && step < kOne && columns < job.part.w;
     int64_t y = job.part.y * step;
     for (int32_t row = 0; row < job.part.h; row++, y += step, dst += job.dst_stride) {
         if (expect && row + 1 < job.part.h) expect_stores(dst + job.dst_stride, bytes);
-        const bool fresh = sampler.seek(y);
-        if (fresh || !repeats) Store::row(sampler, columns, repeats ? line : dst);
-        if (repeats) memcpy(dst, line, static_cast<size_t>(bytes));
+        if (sampler.seek(y) || !repeats) Store::row(sampler, columns, dst);
     }
+}
+
+// Whole rows that repeat the one before them: a processor sees them coming.
+void copy_repeated_rows(const ResizeJob &job, size_t bytes) {
+    const int64_t step = job.grid.y.step;
+    int64_t y = job.part.y * step;
+    uint8_t *dst = job.dst;
+    for (int32_t row = 1; row < job.part.h; row++) {
+        y += step;
+        if (y >> kEighthBits == (y - step) >> kEighthBits) memcpy(dst + job.dst_stride, dst, bytes);
+        dst += job.dst_stride;
+    }
+}
+
+using PixelColumns = Columns<BytePixel<4>, 4>;
+
+// One row of four-byte pixels: the last unit by way of `Last`, as it may end where the row's memory does.
+template <Reach R, Reach Last>
+[[gnu::always_inline]] inline void reduce_row(const RowsAcross<PixelColumns> &rows, int bytes, uint8_t *dst) {
+    ptrdiff_t group = 0;
+    for (; bytes > kUnit; bytes -= kUnit, dst += kUnit, group += 2 * kLanes) store(dst, rows.unit<R>(group));
+    const U8 unit = rows.unit<Last>(group);
+    if (bytes == kUnit) {
+        store(dst, unit);
+    } else {
+        uint8_t last[kUnit];
+        store(last, unit);
+        store_few(dst, last, bytes);
+    }
+}
+
+// The rows of a strip of four-byte pixels whose every pair of source rows serves once: straight from the source.
+template <Reach R, Reach Last>
+[[gnu::noinline]] void reduce_rows(const ResizeJob &job, const PixelColumns &columns, uint8_t *dst) {
+    const Axis axis = job.grid.y;
+    const ptrdiff_t origin = columns.strip.origin, dst_stride = job.dst_stride;
+    SourceRows source = job.rows;  // from the strip's origin on, and from row 0
+    source.base += origin - source.first * source.stride;
+    source.first = 0;
+    if (source.held >= 0) source.held_row += origin;
+    const int bytes = 4 * columns.strip.count;
+    int64_t y = job.part.y * axis.step;
+    for (int32_t row = job.part.h; row > 0; row--, y += axis.step, dst += dst_stride) {
+        const int64_t upper = y >> kPositionBits << axis.shift;
+        const auto eighths = static_cast<uint16_t>(y >> kEighthBits & 7);
+        const uint8_t *const first = source.row(upper);
+        // A row of weight 0 may not exist.
+        const uint8_t *const second = eighths == 0 ? first : source.row(upper + (int64_t{1} << axis.shift));
+        reduce_row<R, Last>(RowsAcross<PixelColumns>(columns, first, second, eighths), bytes, dst);
+    }
+}
+
+void reduce_strip(const ResizeJob &job, const PixelColumns &columns, uint8_t *dst) {
+    const Strip &strip = columns.strip;
+    if (strip.fetch == Fetch::kDirect) return reduce_rows<Reach::kOneWindow, Reach::kOneWindow>(job, columns, dst);
+    // With two units and more there is a pixel before the last unit's columns, and one behind all others.
+    const bool second = strip.x.shift == 1 && strip.neighbour == 2 && strip.x.step >= kOne && 4 * strip.count > kUnit;
+    if (second) return reduce_rows<Reach::kSecondAndNext, Reach::kSecondAndLast>(job, columns, dst);
+    reduce_rows<Reach::kGathered, Reach::kGathered>(job, columns, dst);
+}
+
+// At each of eight places a byte and the next.
+[[gnu::always_inline]] inline Vec<uint16_t, 16> load_words(const uint8_t *row, const ptrdiff_t *places) {
+    const auto word = [=](int i) { return uint64_t{load<uint16_t>(row + places[i])}; };
+    const auto four = [=](int i) { return word(i) | word(i + 1) << 16 | word(i + 2) << 32 | word(i + 3) << 48; };
+    return (Vec<uint16_t, 16>)Vec<uint64_t, 16>{four(0), four(4)};
+}
+
+// Up to eight columns of single bytes, down the picture: neighbours are read where they lie. Tables and buffers would
+// cost more than they save.
+void reduce_few(const ResizeJob &job, int32_t first_column, int columns, uint8_t *dst) {
+    using U16x8 = Vec<uint16_t, 16>;
+    const Axis x_axis = job.grid.x, y_axis = job.grid.y;
+    ptrdiff_t left[8];
+    U16x8 right_weight;
+    for (int i = 0; i < 8; i++) {
+        const int64_t x = (first_column + (i < columns ? i : columns - 1)) * x_axis.step;
+        left[i] = static_cast<ptrdiff_t>(x >> kPositionBits << x_axis.shift);
+        right_weight[i] = static_cast<uint16_t>(x >> kEighthBits & 7);
+    }
+    const ptrdiff_t between = job.grid.neighbour - 1;
+    const SourceRows rows = job.rows;
+    // ((8 - fx) A + fx B) of eight columns.
+    const auto across = [&](const uint8_t *row) {
+        const U16x8 from_left = load_words(row, left),
+                    to_right = between == 0 ? from_left : load_words(row + between, left);
+        return (from_left & 255) * (8 - right_weight) + (to_right >> 8) * right_weight;
+    };
+    int64_t y = job.part.y * y_axis.step;
+    for (int32_t row = job.part.h; row > 0; row--, y += y_axis.step, dst += job.dst_stride) {
+        const int64_t upper = y >> kPositionBits << y_axis.shift;
+        const auto eighths = static_cast<uint16_t>(y >> kEighthBits & 7);
+        // A row of weight 0 may not exist.
+        const int64_t lower = eighths == 0 ? upper : upper + (int64_t{1} << y_axis.shift);
+        const U16x8 sums =
+            across(rows.row(upper)) * static_cast<uint16_t>(8 - eighths) + across(rows.row(lower)) * eighths;
+        const U16x8 samples = sums >> 6;
+        uint8_t bytes[8];
+        store(bytes, __builtin_convertvector(samples, Vec<uint8_t, 8>));
+        if (columns == 8) {
+            memcpy(dst, bytes, 8);
+        } else {
+            for (int i = 0; i < columns; i++) dst[i] = bytes[i];
+        }
+    }
+}
+
+// With no pixels to skip, a window serves many columns at once.
+int few_columns(const Axis &x) {
+    return x.shift == 0 ? 8 : 16;
 }
 
 template <class Pixel, int PerPixel, class Store>
 void resize(const ResizeJob &job) {
     const Part &part = job.part;
+    if constexpr (Pixel::kMemory == 1) {
+        // Both neighbours exist, the right one behind the left.
+        const bool usual = job.grid.x.step != 0 && job.grid.neighbour > 0;
+        if (part.w <= few_columns(job.grid.x) && job.grid.y.step >= kOne && usual) {
+            for (int32_t done = 0; done < part.w; done += 8) {
+                reduce_few(job, part.x + done, part.w - done < 8 ? part.w - done : 8, job.dst + done);
+            }
+            return;
+        }
+    }
     const int64_t readable = source_pixels(job.grid, part.end_x());
     for (int32_t done = 0; done < part.w; done += kStripColumns) {
         const int32_t columns = strip_columns(part, done);
         const Columns<Pixel, PerPixel> outputs(strip_of<Pixel, PerPixel>(job.grid, part.x + done, columns, readable));
+        uint8_t *const dst = job.dst + ptrdiff_t{done} * Store::kPixelBytes;
+        if constexpr (Pixel::kMemory == 4) {
+            if (job.grid.y.step >= kOne) {
+                reduce_strip(job, outputs, dst);
+                continue;
+            }
+        }
         Sampler<Pixel, PerPixel> sampler(outputs, job.rows, job.grid.y);
-        resize_strip<Store>(job, sampler, columns, job.dst + ptrdiff_t{done} * Store::kPixelBytes);
+        resize_strip<Store>(job, sampler, columns, dst);
     }
+    if (rows_repeat(job.grid.y)) copy_repeated_rows(job, static_cast<size_t>(part.w) * Store::kPixelBytes);
 }
 
 void sample_strip(const PlanesJob &job, const Columns<BytePixel<1>, 1> &columns, int32_t first) {

@@ -40,15 +40,16 @@ const Format *find_format(int32_t code) {
 void run(const Format &format, const ResizeJob &job) {
     if (job.part.w < 1 || job.part.h < 1) return;
     const bool free = order_is_free(job, format.src_bytes, format.dst_bytes);
-    ((free ? active.resize->pictures : in_order).*format.kernel)(job);
+    const PictureKernels *kernels = free ? &active.resize->pictures : &in_order;
+    (kernels->*format.kernel)(job);
 }
 
-// What a record's picture or band has in common, for `rows` rows of the destination from `first` on: all but the source.
-ResizeJob job_of(const Format &format, const QORV_IRSZ &rsz, int32_t first, int32_t rows) {
+// A record's picture or band: `rows` rows of the destination from `first` on.
+ResizeJob job_of(const Format &format, const QORV_IRSZ &rsz, int32_t first, int32_t rows, const SourceRows &source) {
     const ptrdiff_t dst_stride = ptrdiff_t{rsz.dst_pitch} * format.pitch_unit;
     return {.grid = {.x = {rsz.step_x, rsz.shift_x}, .y = {rsz.step_y, rsz.shift_y}, .neighbour = rsz.pel_step},
             .part = {.x = 0, .y = first, .w = rsz.dst_w, .h = rows},
-            .rows = {},
+            .rows = source,
             .dst = static_cast<uint8_t *>(rsz.dst) + first * dst_stride,
             .dst_stride = dst_stride};
 }
@@ -93,13 +94,12 @@ void resize_band(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint3
         if (row_in_band(rsz, row + 1, band_h) < row_in_band(rsz, row, band_h)) rsz.band_flag = 0;
     }
 
-    ResizeJob job = job_of(format, rsz, first, row - first);
-    job.rows = {src, ptrdiff_t{rsz.src_pitch} * format.pitch_unit, first_row,
-                rsz.row_cached != 0 ? upper_row(rsz, first) : -1, rsz.line_buf};
-    run(format, job);
+    const SourceRows band = {src, ptrdiff_t{rsz.src_pitch} * format.pitch_unit, first_row,
+                             rsz.row_cached != 0 ? upper_row(rsz, first) : -1, rsz.line_buf};
+    run(format, job_of(format, rsz, first, row - first, band));
 
     const bool pending = row < rsz.dst_h && upper_row(rsz, row) < end;
-    if (pending) hold_upper_row(format, rsz, job.rows, row, end);
+    if (pending) hold_upper_row(format, rsz, band, row, end);
     rsz.row_cached = pending;
     rsz.dst_row = row + pending;
     rsz.pos_y = static_cast<uint32_t>(position(rsz, rsz.dst_row));
@@ -109,9 +109,8 @@ void resize_band(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint3
 }
 
 void resize_picture(const Format &format, const QORV_IRSZ &rsz, const uint8_t *src) {
-    ResizeJob job = job_of(format, rsz, 0, rsz.dst_h);
-    job.rows = {src, ptrdiff_t{rsz.src_pitch} * format.pitch_unit, 0, -1, nullptr};
-    run(format, job);
+    const ptrdiff_t stride = ptrdiff_t{rsz.src_pitch} * format.pitch_unit;
+    run(format, job_of(format, rsz, 0, rsz.dst_h, {src, stride, 0, -1, nullptr}));
 }
 
 int32_t resize_record(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h) {

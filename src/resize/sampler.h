@@ -43,6 +43,58 @@ void blend(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out
 constexpr void (*kBlends[8])(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) = {
     blend<0>, blend<1>, blend<2>, blend<3>, blend<4>, blend<5>, blend<6>, blend<7>};
 
+// Where in a source row the outputs of a group come from. Every second pixel is gathered along with the one behind the
+// right neighbour, or the one before the left.
+enum class Reach { kOneWindow, kTwoWindows, kGathered, kSecondAndNext, kSecondAndLast };
+
+// The pairs of neighbours of a vector of groups.
+template <Reach R, class Outputs>
+[[gnu::always_inline]] inline U8 pairs(const Outputs &columns, const uint8_t *row, ptrdiff_t group, U8 indices) {
+    if constexpr (R == Reach::kGathered) {
+        return shuffle(load_neighbours(row, columns.places + 2 * group, columns.strip.neighbour * 4), indices);
+    } else if constexpr (R == Reach::kSecondAndNext || R == Reach::kSecondAndLast) {
+        constexpr int kBefore = R == Reach::kSecondAndLast ? 4 : 0;
+        return shuffle(load_second_neighbours<kBefore>(row, columns.places + 2 * group), indices);
+    } else if constexpr (R == Reach::kTwoWindows) {
+        const uint16_t *offsets = columns.offsets + group;
+        return shuffle(load_windows(row, offsets), load_windows(row + kWindow, offsets), indices);
+    } else {
+        return shuffle(load_windows(row, columns.offsets + group), indices);
+    }
+}
+
+// Two rows of samples, the lower one weighed by `eighths`. For all the compiler knows a store of bytes may change what
+// is not in a local.
+template <class Outputs>
+struct RowsAcross {
+    const Outputs &columns;
+    const uint8_t *upper, *lower;
+    const U16 lower_weight, upper_weight;
+
+    [[gnu::always_inline]] RowsAcross(const Outputs &outputs, const uint8_t *first, const uint8_t *second,
+                                      uint16_t eighths)
+        : columns(outputs),
+          upper(first),
+          lower(second),
+          lower_weight(splat<U16>(eighths)),
+          upper_weight(8 - lower_weight) {}
+
+    // The sums of a vector of groups.
+    template <Reach R>
+    [[gnu::always_inline]] U16 sums(ptrdiff_t group) const {
+        const uint8_t *entry = columns.table + group * 4 * kGroup;
+        const U8 indices = load<U8>(entry), weights = load<U8>(entry + kVectorBytes);
+        return weigh_two_pairs(pairs<R>(columns, upper, group, indices), pairs<R>(columns, lower, group, indices),
+                               weights, upper_weight, lower_weight);
+    }
+
+    // The unit of outputs that begins with a group.
+    template <Reach R>
+    [[gnu::always_inline]] U8 unit(ptrdiff_t group) const {
+        return narrow_shifted<6>(sums<R>(group), sums<R>(group + kLanes));
+    }
+};
+
 // Samples the rows of one plane, or of a packed picture, under one strip.
 template <class Pixel, int PerPixel>
 class Sampler {
@@ -60,7 +112,7 @@ public:
         lower_weight_ = static_cast<uint16_t>(y >> kEighthBits & 7);
         // A row of weight 0 may not exist.
         const int64_t lower = lower_weight_ == 0 ? upper : upper + (1 << shift_);
-        if (keep_) {
+        if (kKeepAlways || keep_) {
             upper_sums_ = sums(upper);
             lower_sums_ = sums(lower);
         } else {
@@ -72,10 +124,8 @@ public:
 
     // The outputs from..to of that pair of rows; both are multiples of kUnit.
     void write(int from, int to, uint8_t *out) const {
-        if (keep_) {
+        if (kKeepAlways || keep_) {
             kBlends[lower_weight_](upper_sums_ + from, lower_sums_ + from, to - from, out);
-        } else if (columns_.strip.fetch == Fetch::kGather) {
-            sample<Reach::kGathered>(from, to, out);
         } else if (columns_.strip.wide) {
             sample<Reach::kTwoWindows>(from, to, out);
         } else {
@@ -84,6 +134,8 @@ public:
     }
 
 private:
+    // Pixels of four bytes come here to be enlarged alone.
+    static constexpr bool kKeepAlways = Pixel::kMemory == 4;
     static constexpr int kBufferBytes = Pixel::kMemory == 4 ? 1 : (kMaxPixels + kVectorBytes) * Pixel::kSampled;
 
     // What the windows of the strip count from in a row.
@@ -122,28 +174,11 @@ private:
     [[gnu::noinline]] void fill_sums(int64_t row, uint16_t *buffer) {
         const uint8_t *source = window_base(row);
         if (columns_.strip.fetch == Fetch::kGather) {
-            sample_across<Reach::kGathered>(columns_, source, buffer);
-        } else if (columns_.strip.wide) {
+            if constexpr (Pixel::kMemory == 4) sample_across<Reach::kGathered>(columns_, source, buffer);
+        } else if (Pixel::kMemory != 4 && columns_.strip.wide) {
             sample_across<Reach::kTwoWindows>(columns_, source, buffer);
         } else {
             sample_across<Reach::kOneWindow>(columns_, source, buffer);
-        }
-    }
-
-    // How much of a source row the outputs of a group come from.
-    enum class Reach { kOneWindow, kTwoWindows, kGathered };
-
-    // The pairs of neighbours of a vector of groups.
-    template <Reach R>
-    [[gnu::always_inline]] static U8 pairs(const Outputs &columns, const uint8_t *row, ptrdiff_t group, U8 indices) {
-        if constexpr (R == Reach::kGathered) {
-            const ptrdiff_t right = columns.strip.neighbour * Pixel::kMemory;
-            return shuffle(load_neighbours(row, columns.places + 2 * group, right), indices);
-        } else if constexpr (R == Reach::kTwoWindows) {
-            const uint16_t *offsets = columns.offsets + group;
-            return shuffle(load_windows(row, offsets), load_windows(row + kWindow, offsets), indices);
-        } else {
-            return shuffle(load_windows(row, columns.offsets + group), indices);
         }
     }
 
@@ -157,29 +192,12 @@ private:
         }
     }
 
-    // The sums of a vector of groups over both rows; members stand in locals, as for all the compiler knows a store of
-    // bytes may change them.
-    struct RowsAcross {
-        const Outputs &columns;
-        const uint8_t *upper, *lower;
-        U16 upper_weight, lower_weight;
-
-        template <Reach R>
-        [[gnu::always_inline]] U16 sums(ptrdiff_t group) const {
-            const uint8_t *entry = columns.table + group * 4 * kGroup;
-            const U8 indices = load<U8>(entry), weights = load<U8>(entry + kVectorBytes);
-            return weigh_two_pairs(pairs<R>(columns, upper, group, indices), pairs<R>(columns, lower, group, indices),
-                                   weights, upper_weight, lower_weight);
-        }
-    };
-
     template <Reach R>
     void sample(int from, int to, uint8_t *out) const {
-        const U16 lower_weight = splat<U16>(lower_weight_);
-        const RowsAcross rows = {columns_, upper_, lower_, 8 - lower_weight, lower_weight};
+        const RowsAcross<Outputs> rows(columns_, upper_, lower_, lower_weight_);
         const ptrdiff_t end = to / kGroup;
         for (ptrdiff_t group = from / kGroup; group < end; group += 2 * kLanes, out += kUnit) {
-            store(out, narrow_shifted<6>(rows.template sums<R>(group), rows.template sums<R>(group + kLanes)));
+            store(out, rows.template unit<R>(group));
         }
     }
 
