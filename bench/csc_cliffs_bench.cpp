@@ -1,5 +1,5 @@
-// Converters where pictures are small, narrow, rearranged or lie over one another: beside libyuv on the same picture, the
-// same converter on a tidy one ("canonical"), or a plain loop over pixels.
+// Converters where pictures are small, narrow, rearranged or lie over one another: beside libyuv on the same picture,
+// the same converter on a tidy one ("canonical"), or a plain loop over pixels.
 #include <cstring>
 #include <memory>
 

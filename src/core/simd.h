@@ -71,8 +71,8 @@ template <class V, class T>
     return V{} + static_cast<__typeof__(V{}[0])>(value);
 }
 
-// What one vector of bytes becomes in 16 bits: `lo` comes from the lower half of the bytes, `hi` from the upper half, on
-// x86 of each 128-bit lane. Sums wrap.
+// What one vector of bytes becomes in 16 bits: `lo` comes from the lower half of the bytes, `hi` from the upper half,
+// on x86 of each 128-bit lane. Sums wrap.
 struct Wide {
     U16 lo, hi;
 };

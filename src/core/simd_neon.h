@@ -43,6 +43,15 @@ namespace qorv::QORV_ISA {
     vst4q_u8(p, v);
 }
 
+// Where nothing but the copying keeps the processor busy: large cores are slow at st4.
+[[gnu::always_inline]] inline void store_copied4(uint8_t *p, U8 a, U8 b, U8 c, U8 d) {
+    const uint8x16_t va = (uint8x16_t)a, vb = (uint8x16_t)b, vc = (uint8x16_t)c, vd = (uint8x16_t)d;
+    const uint16x8x2_t first = {{(uint16x8_t)vzip1q_u8(va, vb), (uint16x8_t)vzip1q_u8(vc, vd)}};
+    const uint16x8x2_t second = {{(uint16x8_t)vzip2q_u8(va, vb), (uint16x8_t)vzip2q_u8(vc, vd)}};
+    vst2q_u16(reinterpret_cast<uint16_t *>(p), first);
+    vst2q_u16(reinterpret_cast<uint16_t *>(p) + 16, second);
+}
+
 [[gnu::always_inline]] inline void store_interleaved2(uint8_t *p, U16 a, U16 b) {
     store(p, vzip1q_u16((uint16x8_t)a, (uint16x8_t)b));
     store(p + 16, vzip2q_u16((uint16x8_t)a, (uint16x8_t)b));

@@ -77,8 +77,8 @@ template <class Offset>
     return load<U8>(p + offsets[0]);
 }
 
-// NEON alone: store_pair(p, a, b), two vectors of words one after the other, and load_word(p), 4 bytes as a vector of 8
-// whose other bytes are 0.
+// NEON alone: store_pair(p, a, b), two vectors of words one after the other; load_word(p), 4 bytes as a vector of 8
+// whose other bytes are 0; store_copied4(), what store_interleaved4() does, for vectors that come straight from memory.
 
 // ---- Arithmetic ----
 

@@ -64,6 +64,11 @@ struct Interleaved4Access : ByteBlock {
         store_interleaved4(p[0] + 4 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]],
                            block.c[kOrder[3]]);
     }
+#ifdef QORV_SIMD_NEON
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const CopiedPixels &block) {
+        store_copied4(p[0] + 4 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]], block.c[kOrder[3]]);
+    }
+#endif
 };
 template <>
 struct Access<Rgba8888> : Interleaved4Access<Rgba8888> {};

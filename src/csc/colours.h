@@ -14,6 +14,8 @@ struct Pixels {
 struct DeepPixels {
     U16 c[3];
 };
+// Pixels that come straight from memory.
+struct CopiedPixels : Pixels {};
 // As many words as there are bytes in a vector.
 struct WordPair {
     U16 first, second;
@@ -93,7 +95,7 @@ struct Drop2Bits {
 };
 
 struct SameColour {
-    [[gnu::always_inline]] static Pixels apply(const Pixels &in) { return in; }
+    [[gnu::always_inline]] static CopiedPixels apply(const Pixels &in) { return {in}; }
 };
 
 }  // namespace qorv::QORV_ISA

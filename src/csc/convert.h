@@ -1,5 +1,5 @@
-// A converter: the walk over blocks of pixels. Written over Access<Layout> of csc/block_access.h or csc/pixel_access.h, of
-// which one is included before. Kernel sources only.
+// A converter: the walk over blocks of pixels. Written over Access<Layout> of csc/block_access.h or csc/pixel_access.h,
+// of which one is included before. Kernel sources only.
 #pragma once
 
 namespace qorv::QORV_ISA {

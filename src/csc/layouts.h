@@ -38,8 +38,8 @@ struct Layout {
     }
 };
 
-// Layouts by name. Of layouts of bytes, `order` says what passes through each pointer: 0 to 2 red, green and blue or Y, U
-// and V, 3 alpha.
+// Layouts by name. Of layouts of bytes, `order` says what passes through each pointer: 0 to 2 red, green and blue or Y,
+// U and V, 3 alpha.
 struct Planar3 {
     static constexpr Layout layout{Arrangement::kPlanar, 0, 3, {{1, 1}, {1, 1}, {1, 1}, {}}};
     static constexpr uint8_t order[] = {0, 1, 2};

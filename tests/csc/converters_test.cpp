@@ -334,32 +334,37 @@ TEST_P(Converters, ScalingOntoItselfGivesThePerPixelOutcome) {
     }
 }
 
-TEST_P(Converters, ScalingReadsNothingOutsideItsPlanes) {
+TEST_P(Converters, ScalingTouchesNothingOutsideThePicture) {
     Random random(9);
     const int32_t sizes[][4] = {{1, 1, 33, 9},   {1, 9, 40, 3},    {9, 1, 3, 40},   {17, 5, 40, 9},
                                 {97, 40, 40, 9}, {300, 50, 13, 2}, {65, 3, 64, 64}, {40, 3, 270, 4}};
+    const auto convert = [&](const CscScalingCase &c, const int32_t (&size)[4], Flush flush, bool reversed) {
+        const auto &[sw, sh, dw, dh] = size;
+        const Doing doing("%s %dx%d to %dx%d, reversed %d", c.name, sw, sh, dw, dh, reversed);
+        std::vector<GuardedBuffer> src, dst;
+        Call call;
+        for (size_t k = 0; k < c.unscaled->src.size(); k++) {
+            src.emplace_back(static_cast<size_t>(sw * sh), flush);
+            src.back().generate(random);
+            src.back().make_read_only();
+            call.src[k] = src.back().data();
+            call.src_stride[k] = sw;
+        }
+        const auto &to = c.unscaled->dst;
+        const bool interleaved = to[0].step > 2;
+        for (size_t k = 0; k < to.size(); k++) {
+            if (k == 0 || !interleaved) dst.emplace_back(static_cast<size_t>(dw * dh * to[k].step), flush);
+            call.dst[k] = dst.back().data() + (!interleaved ? 0 : reversed ? to.size() - 1 - k : k);
+            call.dst_stride[k] = dw * to[k].step;
+        }
+        c.fn(call.src, sw, sh, call.src_stride, 0, call.dst, dw, dh, call.dst_stride, 0);
+        for (const GuardedBuffer &buffer : dst) ASSERT_TRUE(buffer.slack_intact());
+    };
     for (const CscScalingCase &c : csc_scaling_cases()) {
-        for (const auto &[sw, sh, dw, dh] : sizes) {
+        for (const auto &size : sizes) {
             for (const Flush flush : kBothFlushes) {
-                std::vector<GuardedBuffer> src;
-                Call call;
-                for (size_t k = 0; k < c.unscaled->src.size(); k++) {
-                    src.emplace_back(static_cast<size_t>(sw * sh), flush);
-                    src.back().generate(random);
-                    src.back().make_read_only();
-                    call.src[k] = src.back().data();
-                    call.src_stride[k] = sw;
-                }
-                const auto &to = c.unscaled->dst;
-                const bool interleaved = to[0].step > 2;
-                std::vector<GuardedBuffer> dst;
-                for (size_t k = 0; k < to.size(); k++) {
-                    if (k == 0 || !interleaved) dst.emplace_back(static_cast<size_t>(dw * dh * to[k].step), flush);
-                    call.dst[k] = dst.back().data() + (interleaved ? k : 0);
-                    call.dst_stride[k] = dw * to[k].step;
-                }
-                c.fn(call.src, sw, sh, call.src_stride, 0, call.dst, dw, dh, call.dst_stride, 0);
-                for (const GuardedBuffer &buffer : dst) ASSERT_TRUE(buffer.slack_intact()) << c.name;
+                ASSERT_NO_FATAL_FAILURE(convert(c, size, flush, false));
+                ASSERT_NO_FATAL_FAILURE(convert(c, size, flush, true));
             }
         }
     }
