@@ -29,7 +29,7 @@ constexpr int clamped(int x, int low, int high) {
 
 // ---- Load and store ----
 
-// A vector of samples from each of two, three or four interleaved channels.
+// A vector of samples from each of two, three (not on x86) or four interleaved channels.
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
     for (int i = 0; i < kVectorBytes; i++, p += 2) a[i] = p[0], b[i] = p[1];
 }
@@ -330,6 +330,49 @@ template <class V>
 // Of sums of any of the types above, modulo 2^32.
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<uint32_t, 16> a) {
     return a[0] + a[1] + a[2] + a[3];
+}
+
+}  // namespace qorv::QORV_ISA
+
+#endif
+
+// As many interleaved pixels as a vector has bytes, in a form of the set's own: that of x86 is another one.
+#ifndef QORV_SIMD_X86
+
+namespace qorv::QORV_ISA {
+
+struct PackedPixels {
+    U8 channel[4];
+};
+
+// Of three or four bytes, and of 5-6-5 words, whose low bits become zero.
+[[gnu::always_inline]] inline PackedPixels load_packed3(const uint8_t *p) {
+    PackedPixels v = {};
+    load_interleaved3(p, v.channel[0], v.channel[1], v.channel[2]);
+    return v;
+}
+
+[[gnu::always_inline]] inline PackedPixels load_packed4(const uint8_t *p) {
+    PackedPixels v = {};
+    load_interleaved4(p, v.channel[0], v.channel[1], v.channel[2], v.channel[3]);
+    return v;
+}
+
+[[gnu::always_inline]] inline PackedPixels load_packed565(const uint8_t *p) {
+    U8 low = {}, high = {};  // GGGBBBBB and RRRRRGGG
+    load_interleaved2(p, low, high);
+    return {{high & 0xF8, (high << 5) | ((low >> 3) & 0x1C), low << 3, U8{}}};
+}
+
+// What weighted() gives for the first three channels.
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(const PackedPixels &v) {
+    return weighted<A, B, C>(v.channel[0], v.channel[1], v.channel[2]);
+}
+
+// The fourth of four bytes.
+[[gnu::always_inline]] inline U8 fourth(const PackedPixels &v) {
+    return v.channel[3];
 }
 
 }  // namespace qorv::QORV_ISA

@@ -58,29 +58,21 @@ template <int Channels>
 #endif
 }
 
+template <class Offset>
+[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const Offset *offsets) {
+    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[0]));
+#if QORV_VECTOR_BYTES == 32
+    const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[1]));
+    return (U8)_mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
+#else
+    return (U8)first;
+#endif
+}
+
 [[gnu::always_inline]] inline void load_interleaved2(const uint8_t *p, U8 &a, U8 &b) {
     const U16 v0 = (U16)load_lanes<2>(p, 0), v1 = (U16)load_lanes<2>(p, 1);
     a = (U8)QORV_MM(packus_epi16)((Register)(v0 & 0xFF), (Register)(v1 & 0xFF));
     b = (U8)QORV_MM(packus_epi16)((Register)(v0 >> 8), (Register)(v1 >> 8));
-}
-
-// One of three interleaved channels: the union of a shuffle of each register.
-template <int Channel>
-[[gnu::always_inline]] inline U8 gather3(Register v0, Register v1, Register v2) {
-    const auto from = [](int index) {
-        return [index](int i) { return (3 * i + Channel) / 16 == index ? (3 * i + Channel) % 16 : -1; };
-    };
-    const Register s0 = QORV_MM(shuffle_epi8)(v0, shuffle_indices(from(0)));
-    const Register s1 = QORV_MM(shuffle_epi8)(v1, shuffle_indices(from(1)));
-    const Register s2 = QORV_MM(shuffle_epi8)(v2, shuffle_indices(from(2)));
-    return (U8)s0 | (U8)s1 | (U8)s2;
-}
-
-[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
-    const Register v0 = load_lanes<3>(p, 0), v1 = load_lanes<3>(p, 1), v2 = load_lanes<3>(p, 2);
-    a = gather3<0>(v0, v1, v2);
-    b = gather3<1>(v0, v1, v2);
-    c = gather3<2>(v0, v1, v2);
 }
 
 // Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix
@@ -97,6 +89,47 @@ template <int Channel>
     b = (U8)QORV_MM(unpackhi_epi64)(ab01, ab23);
     c = (U8)QORV_MM(unpacklo_epi64)(cd01, cd23);
     d = (U8)QORV_MM(unpackhi_epi64)(cd01, cd23);
+}
+
+// What multiplications of bytes take: the first two bytes of each pixel side by side, and the third with whatever follows
+// it. Each lane has 8 of 16 pixels.
+struct PackedPixels {
+    Wide first, second;
+};
+
+// From four registers of four pixels a lane, which begin at the lane's first byte, in the last one at byte `behind`.
+template <int Bytes>
+[[gnu::always_inline]] inline PackedPixels pair_pixels(Register v0, Register v1, Register v2, Register v3, int behind) {
+    const auto pairs = [](Register v, int begin) __attribute__((always_inline)) {
+        return QORV_MM(shuffle_epi8)(
+            v, shuffle_indices([=](int i) { return begin + i % 8 / 2 * Bytes + i / 8 * 2 + i % 2; }));
+    };
+    const Register p0 = pairs(v0, 0), p1 = pairs(v1, 0), p2 = pairs(v2, 0), p3 = pairs(v3, behind);
+    return {{(U16)QORV_MM(unpacklo_epi64)(p0, p1), (U16)QORV_MM(unpacklo_epi64)(p2, p3)},
+            {(U16)QORV_MM(unpackhi_epi64)(p0, p1), (U16)QORV_MM(unpackhi_epi64)(p2, p3)}};
+}
+
+[[gnu::always_inline]] inline PackedPixels load_packed3(const uint8_t *p) {
+    // From every twelfth byte on; the last 16 bytes begin earlier, to end with the block.
+    const auto lanes = [=](int first) __attribute__((always_inline)) {
+        const uint16_t offsets[2] = {0, 48};
+        return (Register)load_windows(p + first, offsets);
+    };
+    return pair_pixels<3>(lanes(0), lanes(12), lanes(24), lanes(32), 4);
+}
+
+[[gnu::always_inline]] inline PackedPixels load_packed4(const uint8_t *p) {
+    return pair_pixels<4>(load_lanes<4>(p, 0), load_lanes<4>(p, 1), load_lanes<4>(p, 2), load_lanes<4>(p, 3), 0);
+}
+
+[[gnu::always_inline]] inline PackedPixels load_packed565(const uint8_t *p) {
+    const U16 v0 = (U16)load_lanes<2>(p, 0), v1 = (U16)load_lanes<2>(p, 1);
+    return {{(v0 >> 8 & 0xF8) | (v0 << 5 & 0xFC00), (v1 >> 8 & 0xF8) | (v1 << 5 & 0xFC00)},
+            {v0 << 3 & 0xF8, v1 << 3 & 0xF8}};
+}
+
+[[gnu::always_inline]] inline U8 fourth(const PackedPixels &v) {
+    return (U8)QORV_MM(packus_epi16)((Register)(v.second.lo >> 8), (Register)(v.second.hi >> 8));
 }
 
 // Stores registers one after the other, all their first lanes before all their second ones. Whole registers are
@@ -184,17 +217,6 @@ requires(Bytes == 32) [[gnu::always_inline]] inline Vec<int16_t, 32> load_widene
 
 #endif
 
-template <class Offset>
-[[gnu::always_inline]] inline U8 load_windows(const uint8_t *p, const Offset *offsets) {
-    const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[0]));
-#if QORV_VECTOR_BYTES == 32
-    const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + offsets[1]));
-    return (U8)_mm256_inserti128_si256(_mm256_castsi128_si256(first), second, 1);
-#else
-    return (U8)first;
-#endif
-}
-
 // ---- Arithmetic ----
 
 template <int A, int B>
@@ -215,6 +237,27 @@ template <int A, int B, int C>
     } else {
         constexpr int kWithA = 128 - A;
         return weighted<A, kWithA>(a, b) + weighted<B - kWithA, C>(b, c);
+    }
+}
+
+// 128 times a channel is -128 times it subtracted. Where a weight is above 127, the weights are the unsigned factor and
+// the pixels the signed one: 128 less each, which the constant makes good.
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(const PackedPixels &v) {
+    const auto products = [](Wide pairs, int first, int second) __attribute__((always_inline)) {
+        const Register weights = QORV_MM(set1_epi16)(static_cast<int16_t>(second * 256 + (first & 0xFF)));
+        return Wide{(U16)QORV_MM(maddubs_epi16)((Register)pairs.lo, weights),
+                    (U16)QORV_MM(maddubs_epi16)((Register)pairs.hi, weights)};
+    };
+    if constexpr (A == 128) {
+        return products(v.second, C, 0) - products(v.first, -A, -B);
+    } else if constexpr (C == 128) {
+        return products(v.first, A, B) - products(v.second, -C, 0);
+    } else {
+        const Register weights = QORV_MM(set1_epi16)(static_cast<int16_t>(B * 256 + A));
+        const Wide less{(U16)QORV_MM(maddubs_epi16)(weights, (Register)(v.first.lo ^ 0x8080)),
+                        (U16)QORV_MM(maddubs_epi16)(weights, (Register)(v.first.hi ^ 0x8080))};
+        return less + products(v.second, C, 0) + 128 * (A + B);
     }
 }
 

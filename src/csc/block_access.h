@@ -9,7 +9,7 @@
 
 namespace qorv::QORV_ISA {
 
-// Access<Layout>::load and ::store handle the block of kBlock pixels at pixel x of the rows that `p` points to. Sources
+// Access<Layout>::load and ::store handle the block of kBlock pixels at pixel x of the rows that `p` points to. Planes
 // without alpha give opaque pixels.
 template <class Layout>
 struct Access;
@@ -41,11 +41,8 @@ struct Access<BytePlane> : PlanarAccess<1> {};
 
 template <>
 struct Access<Rgb888> : ByteBlock {
-    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
-        Pixels block = {};
-        load_interleaved3(p[0] + 3 * x, block.c[0], block.c[1], block.c[2]);
-        block.c[3] = splat<U8>(kOpaque);
-        return block;
+    [[gnu::always_inline]] static PackedPixels load(const uint8_t *const *p, ptrdiff_t x) {
+        return load_packed3(p[0] + 3 * x);
     }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
         store_interleaved3(p[0] + 3 * x, block.c[0], block.c[1], block.c[2]);
@@ -55,11 +52,6 @@ struct Access<Rgb888> : ByteBlock {
 template <class Layout>
 struct Interleaved4Access : ByteBlock {
     static constexpr const uint8_t (&kOrder)[4] = Layout::order;
-    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
-        Pixels block = {};
-        load_interleaved4(p[0] + 4 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]], block.c[kOrder[3]]);
-        return block;
-    }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
         store_interleaved4(p[0] + 4 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]],
                            block.c[kOrder[3]]);
@@ -71,7 +63,11 @@ struct Interleaved4Access : ByteBlock {
 #endif
 };
 template <>
-struct Access<Rgba8888> : Interleaved4Access<Rgba8888> {};
+struct Access<Rgba8888> : Interleaved4Access<Rgba8888> {
+    [[gnu::always_inline]] static PackedPixels load(const uint8_t *const *p, ptrdiff_t x) {
+        return load_packed4(p[0] + 4 * x);
+    }
+};
 template <>
 struct Access<Bgra8888> : Interleaved4Access<Bgra8888> {};
 template <>
@@ -88,13 +84,8 @@ struct Access<ArgbWithoutBlue> {
 
 template <>
 struct Access<Rgb565> : ByteBlock {
-    [[gnu::always_inline]] static Pixels load(const uint8_t *const *p, ptrdiff_t x) {
-        U8 low = {}, high = {};
-        load_interleaved2(p[0] + 2 * x, low, high);
-        Pixels block = {};
-        unpack_565(low, high, block.c[0], block.c[1], block.c[2]);
-        block.c[3] = splat<U8>(kOpaque);
-        return block;
+    [[gnu::always_inline]] static PackedPixels load(const uint8_t *const *p, ptrdiff_t x) {
+        return load_packed565(p[0] + 2 * x);
     }
     [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
         U8 low = {}, high = {};

@@ -21,6 +21,15 @@ struct WordPair {
     U16 first, second;
 };
 
+// What there is of PackedPixels, too.
+template <int A, int B, int C>
+[[gnu::always_inline]] inline Wide weighted(const Pixels &in) {
+    return weighted<A, B, C>(in.c[0], in.c[1], in.c[2]);
+}
+[[gnu::always_inline]] inline U8 fourth(const Pixels &in) {
+    return in.c[3];
+}
+
 // With u = U - 128, v = V - 128 and >> arithmetic, each result clamped to 0..255:
 //   R = Y + ((359 v + 128) >> 8),  G = Y - ((183 v + 88 u + 128) >> 8),  B = Y + ((454 u + 128) >> 8).
 // Whole multiples of 256 leave the shifts, and 128 times each weight goes into a constant. What is left of each formula
@@ -43,12 +52,12 @@ struct YuvToRgb {
 // Pure blue (for U) and pure red (for V) alone would give 256; the rule is 255, which the saturation to signed bytes
 // before the last addition yields.
 struct RgbToYuv {
-    [[gnu::always_inline]] static Pixels apply(const Pixels &in) {
-        const U8 r = in.c[0], g = in.c[1], b = in.c[2];
-        const U8 y = high_bytes_rounded(weighted<77, 150, 29>(r, g, b));
-        const U8 u = narrow_rounded(weighted<-43, -85, 128>(r, g, b));
-        const U8 v = narrow_rounded(weighted<128, -107, -21>(r, g, b));
-        return {{y, u ^ 0x80, v ^ 0x80, in.c[3]}};
+    template <class In>
+    [[gnu::always_inline]] static Pixels apply(const In &in) {
+        const U8 y = high_bytes_rounded(weighted<77, 150, 29>(in));
+        const U8 u = narrow_rounded(weighted<-43, -85, 128>(in));
+        const U8 v = narrow_rounded(weighted<128, -107, -21>(in));
+        return {{y, u ^ 0x80, v ^ 0x80, fourth(in)}};
     }
 };
 

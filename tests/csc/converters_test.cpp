@@ -338,7 +338,7 @@ TEST_P(Converters, ScalingTouchesNothingOutsideThePicture) {
     Random random(9);
     const int32_t sizes[][4] = {{1, 1, 33, 9},   {1, 9, 40, 3},    {9, 1, 3, 40},   {17, 5, 40, 9},
                                 {97, 40, 40, 9}, {300, 50, 13, 2}, {65, 3, 64, 64}, {40, 3, 270, 4}};
-    const auto convert = [&](const CscScalingCase &c, const int32_t (&size)[4], Flush flush, bool reversed) {
+    const auto convert = [&](const CscScalingCase &c, const int32_t(&size)[4], Flush flush, bool reversed) {
         const auto &[sw, sh, dw, dh] = size;
         const Doing doing("%s %dx%d to %dx%d, reversed %d", c.name, sw, sh, dw, dh, reversed);
         std::vector<GuardedBuffer> src, dst;
