@@ -1,8 +1,6 @@
 /* Blocks: their prediction, the 4x4 transform of ITU-T H.264 for the rest, and its quantisation. */
 #include "codec.h"
 
-enum { REACH = 24 }; /* samples that a block may lie outside of the picture, in the padding */
-
 void quantiser_init(Codec *codec, int qp) {
     /* By qp % 6, of coefficients whose coordinates are both even, one odd, both odd. A step doubles every 6. */
     static const uint8_t steps[6][3] = {{10, 13, 16}, {11, 14, 18}, {13, 16, 20},
@@ -34,11 +32,10 @@ static void transform_back(const int32_t in[16], int32_t out[16]) {
 static uint32_t quantise(const Codec *codec, bool intra, const uint8_t *source, int source_stride,
                          const uint8_t *predicted, int predicted_stride, int16_t levels[16]) {
     int32_t a[16], b[16];
-    const uint32_t rounding = intra ? 65536 / 3 : 65536 / 6; /* down more where a prediction is likely to be good */
-    uint32_t count = 0;
+    uint32_t count = 0, rounding = intra ? 65536 / 3 : 65536 / 6; /* down more where predictions are likely good */
     /* No coefficient is larger than 4 times the sum of magnitudes, and those that large have the smallest scale. */
-    const uint32_t sum = qorv_sad4x4(source, predicted, source_stride, predicted_stride);
-    if (4 * sum * codec->scale[5] + rounding < 1 << 16) return 0;
+    const uint32_t largest = 4 * qorv_sad4x4(source, predicted, source_stride, predicted_stride);
+    if (largest * codec->scale[5] + rounding < 1 << 16) return 0;
     qorv_diff4x4(source, predicted, source_stride, predicted_stride, 4, levels);
     for (int i = 0; i < 16; i++) a[i] = levels[i];
     transform(a, b);
@@ -83,8 +80,10 @@ void predict_inter(const Codec *codec, int plane, int row, int column, Vector ve
     const uint8_t *from = sample_at(codec->reference, plane, side * column + (x >> 2), side * row + (y >> 2));
     if (a == 16) qorv_mcpy_blk(to, from, to_stride, stride, side, side);
     for (int j = 0; a < 16 && j < side; j++, from += stride, to += to_stride) {
-        const uint8_t *below = from + stride;
-        for (int i = 0; i < side; i++) {
+        const uint8_t *below = from + stride, *other = right > 0 ? from + 1 : below;
+        const int means = a == 8 && d == 0 ? side : 0; /* as most often: the same for less */
+        for (int i = 0; i < means; i++) to[i] = (uint8_t)((from[i] + other[i] + 1) >> 1);
+        for (int i = means; i < side; i++) {
             to[i] = (uint8_t)((uint16_t)(a * from[i] + b * from[i + 1] + c * below[i] + d * below[i + 1] + 8) >> 4);
         }
     }
@@ -120,8 +119,8 @@ void build_block(Codec *codec, int row, int column, Block *block) {
                 quantise(codec, intra, source, codec->source->s[plane], samples, stride, block->levels[tile]);
             block->coded |= (block->counts[tile] > 0 ? 1u : 0u) << tile / 4;
         }
-        if ((block->coded >> tile / 4 & 1) == 0 || block->counts[tile] == 0) continue;
-        reconstruct(codec, block->levels[tile], samples, stride);
+        const bool coded = (block->coded >> tile / 4 & 1) != 0 && block->counts[tile] > 0;
+        if (coded) reconstruct(codec, block->levels[tile], samples, stride);
     }
 }
 

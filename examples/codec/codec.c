@@ -7,10 +7,6 @@ enum { BLOCK_BYTES = 3072 }; /* more than a block can take: 24 x (9 + 16 x 33) b
 static const uint32_t alignment[4] = {QORV_IMGB_WORD(16, 16), QORV_IMGB_WORD(16, 16), QORV_IMGB_WORD(16, 16), 0};
 static const uint32_t padding[4] = {QORV_IMGB_WORD(32, 32), QORV_IMGB_WORD(16, 16), QORV_IMGB_WORD(16, 16), 0};
 
-uint8_t *sample_at(const QORV_IMGB *picture, int plane, int x, int y) {
-    return (uint8_t *)picture->a[plane] + (ptrdiff_t)y * picture->s[plane] + x;
-}
-
 void picture_release(QORV_IMGB **picture) {
     if (*picture != NULL) (*picture)->release(*picture);
     *picture = NULL;

@@ -14,8 +14,8 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* GROUP: blocks of a row between two messages to the row below. */
-enum { MAX_SIDE = 4096, MAX_BLOCKS = MAX_SIDE / 16, GROUP = 4, MAX_THREADS = 64, MAX_QP = 51 };
+/* GROUP: blocks of a row between two messages to the row below. REACH: samples of a block outside, in the padding. */
+enum { MAX_SIDE = 4096, MAX_BLOCKS = MAX_SIDE / 16, GROUP = 4, REACH = 24, MAX_THREADS = 64, MAX_QP = 51 };
 enum { SKIP, INTER, DC, HORIZONTAL, VERTICAL, KINDS }; /* of blocks; intra from DC on */
 enum { TILES = 24 };                                   /* 4x4 blocks in a block: 4 for each luma quarter, Cb and Cr */
 
@@ -77,6 +77,9 @@ typedef struct { /* a file that a thread of its own writes, out of a ring */
     bool closing, failed;
 } Output;
 
+static inline uint8_t *sample_at(const QORV_IMGB *picture, int plane, int x, int y) {
+    return (uint8_t *)picture->a[plane] + (ptrdiff_t)y * picture->s[plane] + x;
+}
 /* stream.c: the code_ functions write or read, as the bits do; false for what cannot be */
 void write_begin(Bits *bits, void *buffer, int32_t size, int type);
 void read_begin(Bits *bits, const Unit *unit);
@@ -92,7 +95,6 @@ void predict_intra(uint32_t kind, const uint8_t *beside, int beside_stride, uint
 void build_block(Codec *codec, int row, int column, Block *block); /* samples; and levels, in an encoder */
 bool code_block(Codec *codec, int row, int column);
 /* codec.c */
-uint8_t *sample_at(const QORV_IMGB *picture, int plane, int x, int y);
 QORV_IMGB *picture_take(Codec *codec);
 void picture_release(QORV_IMGB **picture);
 bool codec_start(Codec *codec);               /* for pictures of the header's size; false: no memory */

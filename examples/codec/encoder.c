@@ -20,12 +20,12 @@ static bool try_vector(const Codec *codec, int row, int column, Block *block, in
 
 /* A diamond round the best vector, moved as long as that helps. */
 static void search_diamond(const Codec *codec, int row, int column, Block *block, int step, bool whole) {
-    for (bool better = true; better;) {
+    for (int best = 0, back = -1; best >= 0; back = best ^ 1) { /* back: where it came from */
         const Vector center = block->vector;
-        better = false;
+        best = -1;
         for (int i = 0; i < 4; i++) {
             const int x = center.x + step * ((i == 0) - (i == 1)), y = center.y + step * ((i == 2) - (i == 3));
-            better |= try_vector(codec, row, column, block, x, y, whole);
+            if (i != back && try_vector(codec, row, column, block, x, y, whole)) best = i;
         }
     }
 }
@@ -74,8 +74,8 @@ void decide_block(Codec *codec, int row, int column, Block *block) {
     }
     search_intra(codec, row, column, block);
     build_block(codec, row, column, block);
-    const bool moved = block->vector.x != block->predicted.x || block->vector.y != block->predicted.y;
-    if (block->kind == INTER && block->coded == 0 && !moved) block->kind = SKIP;
+    const bool still = memcmp(&block->vector, &block->predicted, sizeof(Vector)) == 0;
+    if (block->kind == INTER && block->coded == 0 && still) block->kind = SKIP;
 }
 
 /* Repeats the last column and row up to whole blocks. */

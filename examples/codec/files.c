@@ -102,8 +102,7 @@ static bool convert(const QORV_IMGB *picture, QORV_IMGB *yuv, QORV_IMGB *rgb) {
         qorv_irsz(resizer, picture->a[plane], 0, 0);
         qorv_irsz_delete(resizer);
     }
-    uint8_t *red = rgb->a[0];
-    void *const channels[3] = {red, red + 1, red + 2};
+    void *const channels[3] = {rgb->a[0], sample_at(rgb, 0, 1, 0), sample_at(rgb, 0, 2, 0)};
     const int32_t w = rgb->w, h = rgb->h, strides_to[3] = {rgb->s[0], rgb->s[0], rgb->s[0]};
     const qorv_csc_fn scale = qorv_imgp_get_fn_csc(yuv->w, yuv->h, QORV_CS_YUV444, w, h, QORV_CS_RGB888, NULL);
     scale(planes, yuv->w, yuv->h, strides, 0, channels, w, h, strides_to, 0);

@@ -96,18 +96,22 @@ bool code_header(Bits *bits, Header *header, int type) {
 static bool code_levels(Bits *bits, uint32_t *count, int16_t levels[16]) {
     static const uint8_t zigzag[16] = {0, 1, 4, 8, 5, 2, 3, 6, 9, 12, 13, 10, 7, 11, 14, 15};
     if (bits->reading) memset(levels, 0, 16 * sizeof *levels);
-    *count = code_ue(bits, *count);
-    if (*count > 16) return false;
+    if ((*count = code_ue(bits, *count)) > 16) return false;
     for (uint32_t left = *count, at = 0; left > 0; left--, at++) {
-        uint32_t zeros = 0;
+        uint32_t zeros = bits->reading ? qorv_bsr_read_ue(&bits->bsr) : 0;
         while (!bits->reading && levels[zigzag[at + zeros]] == 0) zeros++;
-        zeros = code_ue(bits, zeros);
         if (zeros > 16 - at - left) return false;
         at += zeros;
         int16_t *level = &levels[zigzag[at]];
-        const uint32_t less_one = code_ue(bits, (uint32_t)abs(*level) - 1);
-        if (less_one > 2046) return false; /* no residual of 8 bits has a larger level */
-        *level = (int16_t)(code_bits(bits, *level < 0, 1) != 0 ? -1 - (int)less_one : 1 + (int)less_one);
+        if (bits->reading) {
+            const uint32_t less_one = qorv_bsr_read_ue(&bits->bsr);
+            if (less_one > 2046) return false; /* no residual of 8 bits has a larger level */
+            *level = (int16_t)(qorv_bsr_read(&bits->bsr, 1) != 0 ? -1 - (int)less_one : 1 + (int)less_one);
+        } else { /* all at once: the Exp-Golomb code of a number is the next one, after a zero for each bit but one */
+            const uint32_t magnitude = (uint32_t)abs(*level);
+            const int n = qorv_bsw_size_ue(magnitude - 1) + 1, all = qorv_bsw_size_ue(zeros) + n;
+            qorv_bsw_write(&bits->bsw, (zeros + 1) << n | magnitude << 1 | (*level < 0), all);
+        }
     }
     return true;
 }
@@ -126,8 +130,8 @@ bool code_syntax(const Codec *codec, Bits *bits, int row, int column, Block *blo
     }
     block->coded = block->kind == SKIP ? 0 : code_bits(bits, block->coded, 6);
     for (int tile = 0; tile < TILES; tile++) {
-        if ((block->coded >> tile / 4 & 1) == 0) continue;
-        if (!code_levels(bits, &block->counts[tile], block->levels[tile])) return false;
+        if ((block->coded >> tile / 4 & 1) && !code_levels(bits, &block->counts[tile], block->levels[tile]))
+            return false;
     }
     return true;
 }
