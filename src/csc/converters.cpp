@@ -10,7 +10,6 @@
                                                                         src_h, &qorv::CscKernels::name);             \
     }
 QORV_CSC_CONVERTERS(QORV_CONVERTER)
-#undef QORV_CONVERTER
 
 #define QORV_SCALING_CONVERTER(name, source, colour, dest)                                                          \
     extern "C" void qorv_csc_rsz_##name(const void *const *src, int32_t src_w, int32_t src_h,                       \
@@ -22,4 +21,3 @@ QORV_CSC_CONVERTERS(QORV_CONVERTER)
                             &qorv::CscKernels::name, qorv::pixel::scaling_loops.name);                              \
     }
 QORV_CSC_SCALING_CONVERTERS(QORV_SCALING_CONVERTER)
-#undef QORV_SCALING_CONVERTER

@@ -73,7 +73,6 @@ constinit const CscKernels csc_kernels = {
     .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)
-#undef QORV_KERNEL_ENTRY
 };
 // clang-format on
 

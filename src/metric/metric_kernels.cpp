@@ -58,8 +58,6 @@ uint32_t QORV_KERNEL(hadamard4x4)(const int16_t *residual) {
 #undef QORV_SAD
 #undef QORV_SATD
 #undef QORV_DIFF
-#undef QORV_AREA_COST
-#undef QORV_AREA_DIFF
 #ifndef QORV_ONLY_SET
 }  // namespace
 }  // namespace qorv::QORV_ISA

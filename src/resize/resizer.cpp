@@ -219,4 +219,3 @@ QORV_RESIZE_FAMILY(qorv_irsz8b8b8b, kRgb)
 QORV_RESIZE_FAMILY(qorv_irsz8b8b8b_5b6b5b, kRgbTo565)
 QORV_RESIZE_FAMILY(qorv_irsz5b6b5b, k565)
 QORV_RESIZE_FAMILY(qorv_irsz8b8b8b8b, kRgba)
-#undef QORV_RESIZE_FAMILY

@@ -59,7 +59,6 @@ TEST_P(OtherSizesTest, EqualThePlainLoops) {
 #define QORV_BLOCK(w, h, suffix, A, B) \
     expect_plain_results<w, h>(kernels.sad##w##x##h##suffix, kernels.diff##w##x##h##suffix);
     QORV_OTHER_BLOCKS(QORV_BLOCK)
-#undef QORV_BLOCK
 }
 
 }  // namespace

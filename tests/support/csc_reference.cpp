@@ -114,7 +114,6 @@ const std::vector<CscCase> &csc_cases() {
         CASE(r8g8b8a8_to_rgba5658, "RGBA", 1, "WA", 3),   CASE(x8y8z8a8_to_xyz565a8, "RGBA", 1, "WA", 1),
         CASE(p410_to_r10g10b10, "yuv", 2, "rgb", 2),      CASE(r10g10b10_to_p410, "rgb", 2, "yuv", 2),
     };
-#undef CASE
     return cases;
 }
 
@@ -135,7 +134,6 @@ const std::vector<CscScalingCase> &csc_scaling_cases() {
         ADD(yuv444a8_to_rgba8888);
         ADD(yuv444_to_rgb565);
         ADD(yuv444a8_to_rgb565a8);
-#undef ADD
         return list;
     }();
     return cases;
