@@ -1,5 +1,5 @@
-// The bit reader and the bit writer against ones that are inlined into their caller and hold 64 bits: what a codec would
-// write for itself.
+// The bit reader and the bit writer against ones that are inlined into their caller and hold 64 bits: what a codec
+// would write for itself.
 #include <bit>
 #include <cstring>
 #include <memory>

@@ -1,5 +1,5 @@
-// Walks every member over widths, heights, arrangements, places in memory and overlaps, and prints where a call takes more
-// than twice the time of its neighbour:
+// Walks every member over widths, heights, arrangements, places in memory and overlaps, and prints where a call takes
+// more than twice the time of its neighbour:
 //   cliff <ratio> <ns> <ns of the neighbour> <direction> | <member> | <arrangement> | <size> | <neighbour>
 // once for every member, arrangement and direction: the worst. Then, of rows apart and 8 rows, the ns of every width:
 //   times <member> | <arrangement> | <ns> ...
@@ -93,7 +93,8 @@ private:
         for (const auto &[key, time] : times_) {
             const auto other = times_.find(neighbour(key));
             if (key.arrangement != arrangement || other == times_.end() || time < kShortest) continue;
-            // From 1 column to 2 the work doubles by itself; towards fewer columns up to 8 it may grow as the columns do.
+            // From 1 column to 2 the work doubles by itself; towards fewer columns up to 8 it may grow as the columns
+            // do.
             const double natural = key.w > other->first.w ? static_cast<double>(key.w) / other->first.w : 1;
             if (time > kCliff * natural * other->second) found.emplace(time / other->second, key);
         }

@@ -1,7 +1,7 @@
-// A plugin of qemu-user: counts the instructions that run between the marks of bench/marks.h. Each pair of marks gives a
-// line in the file of the argument out=PATH: the count, and after the second kind of beginning every instruction in hex.
-// -DQEMU_PLUGIN_API=1 up to qemu 9.0, 3 later. What it takes of qemu's plugin header is declared here: Debian has no
-// package of it.
+// A plugin of qemu-user: counts the instructions that run between the marks of bench/marks.h. Each pair of marks gives
+// a line in the file of the argument out=PATH: the count, and after the second kind of beginning every instruction in
+// hex. -DQEMU_PLUGIN_API=1 up to qemu 9.0, 3 later. What it takes of qemu's plugin header is declared here: Debian has
+// no package of it.
 #include <inttypes.h>
 #include <stdbool.h>
 #include <stdio.h>

@@ -1,5 +1,5 @@
-// Calls every member of every family, each between two marks, for scripts/instructions, which runs this program under an
-// emulator that counts what lies between them. Prints the compiler and the name of each case, in their order.
+// Calls every member of every family, each between two marks, for scripts/instructions, which runs this program under
+// an emulator that counts what lies between them. Prints the compiler and the name of each case, in their order.
 #include <algorithm>
 #include <cstdio>
 #include <string>

@@ -17,8 +17,8 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/qorv_skia-config-version.
 install(FILES cmake/qorv_skia-config.cmake ${PROJECT_BINARY_DIR}/qorv_skia-config-version.cmake
   DESTINATION ${package_dir} COMPONENT dev)
 
-# The pkg-config file is written at installation, which may name another prefix. One for a system folder names it, so that
-# pkg-config recognises the compiler's own search paths; any other finds its prefix from where it lies, so that the
+# The pkg-config file is written at installation, which may name another prefix. One for a system folder names it, so
+# that pkg-config recognises the compiler's own search paths; any other finds its prefix from where it lies, so that the
 # installed tree can be moved.
 set(QORV_PC_LIBDIR "\${prefix}")
 cmake_path(APPEND QORV_PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})

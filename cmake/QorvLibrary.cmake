@@ -20,7 +20,8 @@ elseif(QORV_AARCH64)
 else()
   set(QORV_ISAS plain)
 endif()
-# The baseline set runs on processors of more than ten years ago alone: there, size counts for more than the last cycles.
+# The baseline set runs on processors of more than ten years ago alone: there, size counts for more than the last
+# cycles.
 set(QORV_ISA_FLAGS_v2 -march=x86-64-v2 -Os -DQORV_SMALL_KERNELS)
 set(QORV_ISA_FLAGS_v3 -march=x86-64-v3)
 set(QORV_ISA_FLAGS_dotprod -march=armv8.2-a+dotprod -DQORV_PARTIAL_SET)
@@ -47,7 +48,8 @@ target_compile_options(qorv_build_options INTERFACE -fasynchronous-unwind-tables
 add_library(qorv_objects OBJECT)
 target_link_libraries(qorv_objects PRIVATE qorv_build_options)
 set_target_properties(qorv_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
-# Sources other than kernels parse what comes from outside. Fortified functions need optimisation, and the NDK has its own.
+# Sources other than kernels parse what comes from outside. Fortified functions need optimisation, and the NDK has its
+# own.
 target_compile_options(qorv_objects PRIVATE -fstack-protector-strong)
 if(NOT QORV_SANITIZE AND NOT ANDROID)
   target_compile_options(qorv_objects PRIVATE
@@ -130,8 +132,8 @@ function(qorv_add_shared_library)
   endif()
 endfunction()
 
-# Picture families copy rows of sizes that no compiler knows: fortified, their copies would check nothing, and lose their
-# inlining (a twentieth of all instructions of a small conversion).
+# Picture families copy rows of sizes that no compiler knows: fortified, their copies would check nothing, and lose
+# their inlining (a twentieth of all instructions of a small conversion).
 function(qorv_leave_pictures_unfortified)
   get_target_property(sources qorv_objects SOURCES)
   list(FILTER sources INCLUDE REGEX "/src/(csc|metric|resize)/")

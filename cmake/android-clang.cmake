@@ -11,8 +11,8 @@ set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
 set(CMAKE_CXX_COMPILER clang++-19)
 set(CMAKE_CXX_COMPILER_TARGET ${QORV_ANDROID_PROCESSOR}-linux-android24)
-# musl declares the plain POSIX names, as bionic does; glibc would redirect some of them. What is behind errno has a name
-# of bionic's own. The kernel's headers come last.
+# musl declares the plain POSIX names, as bionic does; glibc would redirect some of them. What is behind errno has a
+# name of bionic's own. The kernel's headers come last.
 set(CMAKE_CXX_FLAGS_INIT "-nostdlibinc -fstack-protector-strong -D__errno_location=__errno \
 -isystem /usr/include/x86_64-linux-musl -idirafter /usr/include -idirafter /usr/include/x86_64-linux-gnu")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "-fuse-ld=lld-19 -nostdlib -Wl,--build-id=sha1 -L${QORV_ANDROID_STUBS}")

@@ -1,5 +1,5 @@
-# Cross build for Linux on CMAKE_SYSTEM_PROCESSOR, set by the file that includes this one, with Debian's cross compiler or,
-# with -DQORV_CROSS_CLANG=ON, with clang 19 on its sysroot. Programs run under qemu-user.
+# Cross build for Linux on CMAKE_SYSTEM_PROCESSOR, set by the file that includes this one, with Debian's cross compiler
+# or, with -DQORV_CROSS_CLANG=ON, with clang 19 on its sysroot. Programs run under qemu-user.
 set(CMAKE_SYSTEM_NAME Linux)
 set(triple ${CMAKE_SYSTEM_PROCESSOR}-linux-gnu)
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QORV_CROSS_CLANG)

@@ -1,4 +1,5 @@
-// The program's readers: any file, of video, pictures, AVI or NAL units, ends in a result or in an error that is reported.
+// The program's readers: any file, of video, pictures, AVI or NAL units, ends in a result or in an error that is
+// reported.
 #include <sys/mman.h>
 #include <unistd.h>
 

@@ -830,8 +830,8 @@ private:
 // Bits and digests
 
 /**
- * A bit reader: a QORV_BSR with members. A reader with a refill of its own derives from this class, passes the refill to
- * the constructor, and casts the refill's QORV_BSR pointer to itself. Not copied: a refill may hold state.
+ * A bit reader: a QORV_BSR with members. A reader with a refill of its own derives from this class, passes the refill
+ * to the constructor, and casts the refill's QORV_BSR pointer to itself. Not copied: a refill may hold state.
  */
 class BitReader : public QORV_BSR {
 public:
@@ -1101,7 +1101,8 @@ private:
 /** A ring of bytes, see qorv_rbuf_create(). Moves, is not copied. */
 class Ring {
 public:
-    /** @param size  bytes of storage; holds one less. @return the ring; or an empty handle and Status::out_of_memory. */
+    /** @param size  bytes of storage; holds one less.
+     *  @return the ring; or an empty handle and Status::out_of_memory. */
     static Created<Ring> create(std::int32_t size) noexcept {
         QORV_RBUF *const ring = qorv_rbuf_create(size);
         return {Ring(ring), ring != nullptr ? Status::ok : Status::out_of_memory};

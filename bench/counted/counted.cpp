@@ -1,5 +1,5 @@
-// Runs the benchmarks whose name matches the regular expression of the first argument and prints "name <name>" for every
-// pair of marks, in their order, and "context <key> <value>".
+// Runs the benchmarks whose name matches the regular expression of the first argument and prints "name <name>" for
+// every pair of marks, in their order, and "context <key> <value>".
 #include <cstdio>
 #include <deque>
 #include <regex>

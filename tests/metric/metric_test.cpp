@@ -180,7 +180,8 @@ TEST_P(Metric, OverlappingDiffsRunInOrder) {
     constexpr int kHalf = 1 << 15;
     for (const Diff &diff : diffs()) {
         for (int round = 0; round < (diff.w == 0 ? 200 : 12); round++) {
-            const int w = diff.w != 0 ? diff.w : random.between(1, 70), h = diff.h != 0 ? diff.h : random.between(1, 40);
+            const int w = diff.w != 0 ? diff.w : random.between(1, 70),
+                      h = diff.h != 0 ? diff.h : random.between(1, 40);
             const auto stride = [&](int bytes) {
                 const int most = std::min(w + 5, (kHalf / 2 - 2 * w) / h / bytes);
                 return random.between(-most, most);

@@ -7,7 +7,8 @@
 
 namespace tool {
 
-// Control characters and bytes that are no UTF-8 as \xNN, so that nothing from a file steers a terminal. Line feeds stay.
+// Control characters and bytes that are no UTF-8 as \xNN, so that nothing from a file steers a terminal. Line feeds
+// stay.
 std::string printable(std::string_view text);
 
 // A JSON string, quotes included. What is no UTF-8 is made so as printable() does it.

@@ -15,7 +15,8 @@ namespace tool {
 
 namespace {
 
-// libjpeg leaves by longjmp, which must not pass objects with destructors: the functions between setjmp and it hold none.
+// libjpeg leaves by longjmp, which must not pass objects with destructors: the functions between setjmp and it hold
+// none.
 struct ErrorManager {
     jpeg_error_mgr base;
     std::jmp_buf leave;

@@ -193,8 +193,8 @@ bool NalReader::next(Nal &nal) {
 }
 
 // Streams begin with parameter sets, delimiters or messages, and each codec's types make no sense to the other one:
-// H.264's header byte of these has a zero in bit 7 and types 6 to 9; HEVC's two bytes hold types 32 to 40, layer 0 and a
-// temporal sub-layer that counts from 1. As H.264 these would be types 0 to 16 and a second byte 1.
+// H.264's header byte of these has a zero in bit 7 and types 6 to 9; HEVC's two bytes hold types 32 to 40, layer 0 and
+// a temporal sub-layer that counts from 1. As H.264 these would be types 0 to 16 and a second byte 1.
 NalCodec guess_codec(std::span<const uint8_t> beginning) {
     for (size_t i = 3; i + 1 < beginning.size(); i++) {
         if (beginning[i - 3] != 0 || beginning[i - 2] != 0 || beginning[i - 1] != 1) continue;

@@ -5,7 +5,8 @@
 
 namespace tool {
 
-// Weights are rounded so that their running sum stays exact to half a unit: together they are kOne whatever their number.
+// Weights are rounded so that their running sum stays exact to half a unit: together they are kOne whatever their
+// number.
 SampleAxis::SampleAxis(uint32_t from, uint32_t to, double step, double first) {
     const double reach = std::max(1.0, step);  // from the triangle's top to its foot
     taps_ = std::min(from, static_cast<uint32_t>(std::ceil(2 * reach)) + 1);
