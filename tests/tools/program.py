@@ -85,7 +85,7 @@ def shown_as_565(rgb):
 
 def survives_damage(path, *arguments, out=None, rounds=60):
     """Cuts the file short everywhere and changes bytes at random: a clear error or a result, in 64 MB and ten times
-    the file. Much damage leaves a file that reads well; only of the first one, which leaves nothing, is an error sure."""
+    the file. Much damage leaves a file that reads well: an error is sure only of the first, which leaves nothing."""
     generator = random.Random(SEED)
     with open(path, "rb") as file:
         whole = file.read()
