@@ -44,6 +44,10 @@ endif()
 # No exception begins in the library, but a crash in it has to show its caller, and one thrown by a callback has to
 # pass. Some targets leave the tables out unless asked.
 target_compile_options(qorv_build_options INTERFACE -fasynchronous-unwind-tables)
+if(NOT QORV_X86_64 AND NOT QORV_AARCH64 AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Where it takes the processor for one without vectors, g++ 12 vectorises loops over bytes in whole words, wrongly.
+  target_compile_options(qorv_build_options INTERFACE -fno-tree-vectorize)
+endif()
 
 add_library(qorv_objects OBJECT)
 target_link_libraries(qorv_objects PRIVATE qorv_build_options)
@@ -120,6 +124,7 @@ function(qorv_add_shared_library)
   set_target_properties(qorv_skia PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINK_DEPENDS ${script})
   target_link_options(qorv_skia PRIVATE -Wl,--version-script=${script}
     -Wl,-z,now,-z,relro,-z,noexecstack -Wl,--as-needed -Wl,--no-undefined-version)
+  target_link_options(qorv_skia PRIVATE -static-libgcc)  # some processors have no instruction for a byte swap
   if(NOT QORV_SANITIZE)
     target_link_options(qorv_skia PRIVATE -Wl,-z,defs)
   endif()

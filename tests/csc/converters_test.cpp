@@ -462,8 +462,9 @@ TEST_P(Converters, TenTo8BitPlanesOverTheirSource) {
 
 TEST(PlaneCopier, CopiesForwardAndTakesAlphaOnDemand) {
     Random random(6);
-    constexpr int32_t kBytes = 2000, kW = 37, kH = 3;
+    constexpr int32_t kBytes = 2000;
     for (int round = 0; round < 2000; round++) {
+        const int32_t w = random.between(1, 40), h = random.between(0, 4);
         std::vector<uint8_t> ours(kBytes);
         for (uint8_t &byte : ours) byte = static_cast<uint8_t>(random());
         std::vector<uint8_t> expected = ours;
@@ -473,15 +474,15 @@ TEST(PlaneCopier, CopiesForwardAndTakesAlphaOnDemand) {
         for (int k = 0; k < 4; k++) {
             placement.src.push_back(800 + random.between(-60, 60));
             placement.dst.push_back(800 + random.between(-60, 60));
-            placement.src_stride.push_back(tight ? kW : random.between(-200, 200));
-            placement.dst_stride.push_back(tight ? kW : random.between(-200, 200));
+            placement.src_stride.push_back(tight ? w : random.between(-200, 200));
+            placement.dst_stride.push_back(tight ? w : random.between(-200, 200));
         }
         Call call = at(ours.data(), placement);
         if (null_alpha) call.src[3] = nullptr;
-        qorv_csc_yuv444x_to_yuv444x(call.src, kW, kH, call.src_stride, 0, call.dst, 0, 0, call.dst_stride, dst_cs);
+        qorv_csc_yuv444x_to_yuv444x(call.src, w, h, call.src_stride, 0, call.dst, 0, 0, call.dst_stride, dst_cs);
         for (size_t k = 0; k < (dst_cs == QORV_CS_YUVA444 && !null_alpha ? 4u : 3u); k++) {
-            for (int32_t y = 0; y < kH; y++) {
-                for (int32_t x = 0; x < kW; x++) {
+            for (int32_t y = 0; y < h; y++) {
+                for (int32_t x = 0; x < w; x++) {
                     expected[static_cast<size_t>(placement.dst[k] + y * placement.dst_stride[k] + x)] =
                         expected[static_cast<size_t>(placement.src[k] + y * placement.src_stride[k] + x)];
                 }
