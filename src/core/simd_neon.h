@@ -184,8 +184,8 @@ template <int A, int B>
     return (U16)vmlal_high_u8(first, (uint8x16_t)v, (uint8x16_t)weights);
 }
 
-// Both products in the weights: 56 at most, so that bytes may be multiplied as words. A long multiplication of bytes costs
-// half of one of words.
+// Both products in the weights: 56 at most, so that bytes may be multiplied as words. A long multiplication of bytes
+// costs half of one of words.
 [[gnu::always_inline]] inline U16 weigh_two_pairs(U8 v, U8 w, U8 weights, U16, U16 second) {
     const uint8x16_t of_w = (uint8x16_t)((U16)weights * second), of_v = (uint8x16_t)((weights << 3) - (U8)of_w);
     uint16x8_t sum = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8(of_v));

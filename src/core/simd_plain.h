@@ -77,6 +77,9 @@ template <class Offset>
     return load<U8>(p + offsets[0]);
 }
 
+// x86 with 32 bytes alone: load_groups(p, mask), those groups of 4 bytes whose mask has its top bit set, 0 for the
+// others, which are not touched.
+
 // NEON alone: store_pair(p, a, b), two vectors of words one after the other; load_word(p), 4 bytes as a vector of 8
 // whose other bytes are 0; store_copied4(), what store_interleaved4() does, for vectors that come straight from memory.
 
@@ -112,7 +115,8 @@ template <int A, int B>
     return each_lane<U16>([&](int i) { return v[2 * i] * weights[2 * i] + v[2 * i + 1] * weights[2 * i + 1]; });
 }
 
-// What weigh_pairs() gives for v times `first`, plus the same for w times `second`; in all lanes `first` is 8 - `second`.
+// What weigh_pairs() gives for v times `first`, plus the same for w times `second`; in all lanes `first` is 8 -
+// `second`.
 [[gnu::always_inline]] inline U16 weigh_two_pairs(U8 v, U8 w, U8 weights, U16 first, U16 second) {
     return weigh_pairs(v, weights) * first + weigh_pairs(w, weights) * second;
 }
@@ -177,8 +181,8 @@ constexpr bool kHasSumsAndDifferences = false;
     hi = each_lane<Vec<int32_t, 16>>([&](int i) { return a[i + 4] - b[i + 4]; });
 }
 
-// NEON alone: subtract_widened() of two vectors of 8 bytes, and subtract_widened<Upper>() of the lower or the upper half
-// of 16 bytes.
+// NEON alone: subtract_widened() of two vectors of 8 bytes, and subtract_widened<Upper>() of the lower or the upper
+// half of 16 bytes.
 
 // Bits 15..8 of each lane.
 [[gnu::always_inline]] inline U8 high_bytes(Wide w) {
@@ -228,8 +232,8 @@ template <int N>
     return bytes_of({a, b}, [](uint16_t x) { return x >> N; });
 }
 
-// ((8 - N) a + N b) >> 6 of 16-bit lanes below 2048, as bytes, and behind them, in each 128-bit lane, the same of c and d.
-// N is 1 to 7.
+// ((8 - N) a + N b) >> 6 of 16-bit lanes below 2048, as bytes, and behind them, in each 128-bit lane, the same of c and
+// d. N is 1 to 7.
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
     const U16 first = splat<U16>(8 - N), second = splat<U16>(N);
@@ -283,8 +287,8 @@ template <int Bytes>
 using ByteDistances = Vec<uint32_t, Bytes>;
 constexpr int kMaxByteDistances = 1 << 20;
 
-// Adds |a - b| of every byte to some lane. Where single rows of 4 or 8 bytes are to be taken by themselves, this and the
-// next one also take vectors of 8 bytes.
+// Adds |a - b| of every byte to some lane. Where single rows of 4 or 8 bytes are to be taken by themselves, this and
+// the next one also take vectors of 8 bytes.
 [[gnu::always_inline]] inline void add_byte_distances(Vec<uint32_t, 16> &sum, Vec<uint8_t, 16> a, Vec<uint8_t, 16> b) {
     for (int i = 0; i < 16; i++) sum[i / 4] += static_cast<uint32_t>(a[i] > b[i] ? a[i] - b[i] : b[i] - a[i]);
 }

@@ -215,6 +215,10 @@ requires(Bytes == 32) [[gnu::always_inline]] inline Vec<int16_t, 32> load_widene
     return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)load<Vec<uint8_t, 16>>(p));
 }
 
+[[gnu::always_inline]] inline U8 load_groups(const uint8_t *p, U8 mask) {
+    return (U8)_mm256_maskload_epi32((const int *)p, (__m256i)mask);
+}
+
 #endif
 
 // ---- Arithmetic ----

@@ -27,15 +27,15 @@ constexpr int smaller(int a, int b) {
 
 // Rows that addressing modes reach from one pointer, if a row is one vector, and if it is more; whether a narrow row of
 // bytes is loaded by itself into a vector of 8 bytes, where several are put together elsewhere; how many sums it takes
-// that an addition need not wait for the one before it.
+// that an addition need not wait for the one before it; how many vectors make a step of an area of any size.
 #if defined(QORV_SIMD_NEON)
-constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1, kSums = 4;
+constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1, kSums = 4, kAreaVectors = 1;
 constexpr bool kSingleRows = true;
 #elif defined(QORV_SIMD_X86)
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2, kSums = 2;
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2, kSums = 2, kAreaVectors = 2;
 constexpr bool kSingleRows = false;
 #else
-constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4, kSums = 2;
+constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4, kSums = 2, kAreaVectors = 1;
 constexpr bool kSingleRows = false;
 #endif
 
@@ -54,6 +54,7 @@ constexpr int power_of_two_up_to(int n) {
 template <class T>
 class Rows {
 public:
+    Rows() = default;
     [[gnu::always_inline]] Rows(T *first, ptrdiff_t stride_in_samples)
         : first_(first), stride_(stride_in_samples * static_cast<ptrdiff_t>(sizeof(T))) {}
     [[gnu::always_inline]] T *at(int y, int x = 0) const { return (T *)((char *)first_ + y * stride_) + x; }
@@ -113,8 +114,8 @@ template <int Width, int Count, int Bytes, class T>
     static_assert(Width * Count <= Bytes);
     if constexpr (Width == Bytes) {
         return load<Vec<uint8_t, Bytes>>(rows.at(y, x));
-    } else if constexpr (Bytes == 32) {
-        static_assert(Width == 16 && Count <= 2, "there is no way to load rows of this width into 32 bytes");
+    } else if constexpr (Bytes == 32 && Width == 16) {
+        static_assert(Count <= 2);
         using Half = Vec<uint8_t, Bytes / 2>;
         return concatenate(load<Half>(rows.at(y, x)), Count == 2 ? load<Half>(rows.at(y + 1, x)) : Half{});
     } else {
@@ -153,8 +154,8 @@ struct Constant {
     constexpr operator int() const { return Value; }
 };
 
-// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, at most MaxRows, kAcross of them
-// beside each other.
+// How a metric takes a strip of `Width` columns: in vectors of kColumns x kRows samples, at most MaxRows, kAcross of
+// them beside each other.
 template <int Width, int Lanes, int MaxRows = 4>
 struct Shape {
     static_assert(is_power_of_two(Width) && is_power_of_two(Lanes), "a strip is as wide as a power of two");
@@ -182,22 +183,45 @@ template <class S, int Count, class F, class Skip>
     });
 }
 
-// Walks `rows` rows of two strips, `Step` rows a step, and those that are left in steps of half as many. For vector k of
-// a step it calls metric.add(k, a, b), at the end of the step metric.end_step(how many vectors).
-template <int Step, class Metric, class A, class B>
-[[gnu::always_inline]] inline void walk(Metric &metric, Rows<A> &a, Rows<B> &b, int32_t rows) {
+// The rows of a strip; or those of two strips of the same width, the second one `apart` columns beyond the first, which
+// together are walked as one.
+template <class T, int Sides>
+class Strip {
+public:
+    [[gnu::always_inline]] Strip(T *first, ptrdiff_t stride, ptrdiff_t apart) : Strip(first, stride) {
+        if constexpr (Sides == 2) side_[1] = Rows<T>(first + apart, stride);
+    }
+    [[gnu::always_inline]] const Rows<T> &operator[](int side) const { return side_[side]; }
+    [[gnu::always_inline]] void skip(int rows) {
+        for (Rows<T> &side : side_) side.skip(rows);
+    }
+
+private:
+    [[gnu::always_inline]] Strip(T *first, ptrdiff_t stride) {
+        for (Rows<T> &side : side_) side = Rows<T>(first, stride);
+    }
+    Rows<T> side_[Sides];
+};
+
+// Walks `rows` rows of two strips, `Step` rows a step, and those that are left in steps of half as many. For vector k
+// of a step it calls metric.add(k, i, a, b), i being the vector's number in its row, all of a row's sides counted; at
+// the end of the step metric.end_step(how many vectors).
+template <int Step, int Sides, class Metric, class A, class B>
+[[gnu::always_inline]] inline void walk(Metric &metric, Strip<A, Sides> &a, Strip<B, Sides> &b, int32_t rows) {
     using S = typename Metric::S;
+    constexpr int kInRow = Sides * S::kAcross;
     static_assert(is_power_of_two(Step));
     for (; rows >= Step; rows -= Step) {
         const auto add = [&](auto together, int y, int first) __attribute__((always_inline)) {
-            unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
-                metric.add(first + i, metric.template load<S::kColumns, together.value>(a, y, i * S::kColumns),
-                           metric.template load<S::kColumns, together.value>(b, y, i * S::kColumns));
+            unrolled<kInRow>([&](int i) __attribute__((always_inline)) {
+                const int side = i / S::kAcross, x = i % S::kAcross * S::kColumns;
+                metric.add(Sides * first + i, i, metric.template load<S::kColumns, together.value>(a[side], y, x),
+                           metric.template load<S::kColumns, together.value>(b[side], y, x));
             });
         };
         for_each_row<S, Step>(
             add, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n); });
-        metric.end_step(Step / smaller(S::kRows, Step) * S::kAcross);
+        metric.end_step(Step / smaller(S::kRows, Step) * kInRow);
     }
     if constexpr (Step > 1) walk<Step / 2>(metric, a, b, rows);
 }
@@ -217,39 +241,66 @@ constexpr int kMaxRows = 64;
 template <int Width, int Height>
 constexpr bool kIsStrip = !kForSize && is_power_of_two(Width) && Width <= kMaxStrip && Height <= kMaxRows;
 
-// The narrowest strip that reaches back.
-constexpr int kMinReach = 8;
+// The narrowest area that is walked in vectors.
+constexpr int kNarrowest = 4;
 
-// Cuts `width` columns into strips of powers of two, as wide as they fit: f(Constant<W>, x, again) for each, x being its
-// first column. The last strip of `Lanes` columns or less reaches back over `again` columns that were in the strips
-// before it, instead of being cut into many narrow ones; all other strips get the Constant<0>.
-template <int Lanes, int Width = kMaxStrip, class F>
-[[gnu::always_inline]] inline void for_each_strip(int32_t width, F f, ptrdiff_t x = 0) {
-    for (; width >= Width; width -= Width, x += Width) f(Constant<Width>{}, x, Constant<0>{});
-    if constexpr (!kForSize && Width <= Lanes && Width >= kMinReach) {
-        const int32_t least = Width == kMinReach ? 0 : Width / 2;
-        if (width > least && x + width >= Width) return f(Constant<Width>{}, x + width - Width, Width - width);
-    }
-    if constexpr (Width > 1) for_each_strip<Lanes, Width / 2>(width, f, x);
+// Whether an area is taken at once. Where size counts, its columns are a power of two, or fewer than kNarrowest.
+[[gnu::always_inline]] inline bool is_one_piece(int32_t w, int32_t h) {
+    return w <= kMaxStrip && h <= kMaxRows && (!kForSize || w < kNarrowest || (w & (w - 1)) == 0);
 }
 
-// Bytes to load a mask from that clears the first of its bytes, up to 32 of them.
-struct MaskBytes {
-    uint8_t bytes[64];
-    constexpr MaskBytes() : bytes() {
-        for (int i = 32; i < 64; i++) bytes[i] = 255;
-    }
-    [[gnu::always_inline]] const uint8_t *clear(ptrdiff_t n) const { return bytes + 32 - n; }
-};
-inline constexpr MaskBytes kMaskBytes;
-
-// Cuts `height` rows into bands that a metric's lanes hold: f(y, rows) for each.
+// Cuts `height` rows into bands of at most kMaxRows: f(y, rows) for each.
 template <class F>
 [[gnu::always_inline]] inline void for_each_band(int32_t height, F f) {
     for (ptrdiff_t y = 0; y < height; y += kMaxRows) {
         f(y, height - y < kMaxRows ? static_cast<int32_t>(height - y) : kMaxRows);
     }
 }
+
+// Cuts an area into such pieces: f(x, y, w, h) for each.
+template <class F>
+[[gnu::always_inline]] inline void for_each_piece(int32_t w, int32_t h, F f) {
+    for_each_band(
+        h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
+            for (int32_t x = 0, columns = kMaxStrip; x < w; x += columns) {
+                if (kForSize) {
+                    while (columns >= kNarrowest && columns > w - x) columns /= 2;
+                }
+                if (columns > w - x || columns < kNarrowest) columns = w - x;
+                f(x, y, columns, rows);
+            }
+        });
+}
+
+// Chooses what takes the columns of such a piece, kNarrowest to `Width` of them: f(Constant<W>, Constant<1>) for a
+// strip of W columns; or f(Constant<W>, Constant<2>) for two of them, the second one ending where the area ends and
+// overlapping the first one by 2 W - w columns. One strip alone takes widths up to `MostWhole` that are a power of two.
+template <int Width, int MostWhole, class F>
+[[gnu::always_inline]] inline auto with_strip(int32_t w, F f) {
+    if constexpr (Width == kNarrowest) {
+        return f(Constant<Width>{}, Constant<1>{});
+    } else {
+        if constexpr (Width <= MostWhole) {
+            if (w == Width) return f(Constant<Width>{}, Constant<1>{});
+        }
+        if constexpr (!kForSize) {
+            if (w > Width / 2) return f(Constant<Width / 2>{}, Constant<2>{});
+        }
+        return with_strip<Width / 2, MostWhole>(w, f);
+    }
+}
+
+// Bytes to load masks from: clear(n) has n bytes of 0 and then those of 255, up to 64 together; set(n) n bytes of 255,
+// then 0, up to 32.
+struct MaskBytes {
+    uint8_t bytes[160];
+    constexpr MaskBytes() : bytes() {
+        for (int i = 64; i < 128; i++) bytes[i] = 255;
+    }
+    [[gnu::always_inline]] const uint8_t *clear(ptrdiff_t n) const { return bytes + 64 - n; }
+    [[gnu::always_inline]] const uint8_t *set(ptrdiff_t n) const { return bytes + 128 - n; }
+};
+inline constexpr MaskBytes kMaskBytes;
 
 // Calls f(Constant<W>) and returns true if the area is one of the square blocks that are asked for the most. The
 // smallest ones, which a few more instructions slow down the most, are looked for first. Hiding it keeps that order:

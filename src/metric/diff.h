@@ -7,8 +7,8 @@ namespace qorv::QORV_ISA {
 
 // Sample by sample in row order: the meaning of an output that overlaps an input.
 template <class A, class B>
-[[gnu::noinline]] void diff_in_order(int32_t w, int32_t h, const A *a, const B *b, ptrdiff_t stride_a,
-                                     ptrdiff_t stride_b, ptrdiff_t stride_out, int16_t *out) {
+[[gnu::noinline]] void diff_in_order(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
+                                     int32_t stride_out, int16_t *out) {
     for (; h > 0; h--, a += stride_a, b += stride_b, out += stride_out) {
         for (int32_t x = 0; x < w; x++) out[x] = static_cast<int16_t>(a[x] - b[x]);
     }
@@ -74,15 +74,18 @@ template <class S, int Count, class V>
 }
 
 // Walks `rows` rows of a strip, `Step` rows a step and the rest in smaller steps.
-template <int Width, int Step, class A, class B>
-[[gnu::always_inline]] inline void diff_rows(Rows<A> &a, Rows<B> &b, Rows<int16_t> &out, int32_t rows) {
+template <int Width, int Step, int Sides, class A, class B>
+[[gnu::always_inline]] inline void diff_rows(Strip<A, Sides> &a, Strip<B, Sides> &b, Strip<int16_t, Sides> &out,
+                                             int32_t rows) {
     constexpr int kBytes = Width < 16 ? 16 : kVectorBytes;
     constexpr bool kSingle = kSingleRows && Width >= 4 && sizeof(A) + sizeof(B) == 2;
     using S = Shape<Width, kBytes / 2, kSingle ? 1 : 4>;
     const auto subtract = [&](auto together, int y, int) __attribute__((always_inline)) {
-        Vec<int16_t, kBytes> d[S::kAcross];
-        load_differences<S, together.value>(d, a, b, y);
-        store_vectors<S, together.value>(out, y, d);
+        unrolled<Sides>([&](int side) __attribute__((always_inline)) {
+            Vec<int16_t, kBytes> d[S::kAcross];
+            load_differences<S, together.value>(d, a[side], b[side], y);
+            store_vectors<S, together.value>(out[side], y, d);
+        });
     };
     for (; rows >= Step; rows -= Step) {
         for_each_row<S, Step>(
@@ -91,62 +94,93 @@ template <int Width, int Step, class A, class B>
     if constexpr (Step > 1) diff_rows<Width, Step / 2>(a, b, out, rows);
 }
 
-template <int Width, int Step, class A, class B>
-[[gnu::always_inline]] inline void diff_strip(const A *a, const B *b, ptrdiff_t stride_a, ptrdiff_t stride_b,
-                                              ptrdiff_t stride_out, int16_t *out, int32_t rows) {
-    Rows<const A> rows_a(a, stride_a);
-    Rows<const B> rows_b(b, stride_b);
-    Rows<int16_t> rows_out(out, stride_out);
-    diff_rows<Width, Step>(rows_a, rows_b, rows_out, rows);
+template <int Width, int Sides, int Step, class A, class B>
+[[gnu::always_inline]] inline void diff_strip(int32_t w, int32_t rows, const A *a, const B *b, ptrdiff_t stride_a,
+                                              ptrdiff_t stride_b, ptrdiff_t stride_out, int16_t *out) {
+    Strip<const A, Sides> strip_a(a, stride_a, w - Width);
+    Strip<const B, Sides> strip_b(b, stride_b, w - Width);
+    Strip<int16_t, Sides> strip_out(out, stride_out, w - Width);
+    diff_rows<Width, Step>(strip_a, strip_b, strip_out, rows);
+}
+
+template <int Width, int Sides, class A, class B>
+[[gnu::noinline]] void area_strip_diff(int32_t w, int32_t rows, const A *a, const B *b, int32_t stride_a,
+                                       int32_t stride_b, int32_t stride_out, int16_t *out) {
+    diff_strip<Width, Sides, kForSize ? 1 : kAreaVectors>(w, rows, a, b, stride_a, stride_b, stride_out, out);
+}
+
+// Of one piece that does not overlap the output.
+template <class A, class B>
+[[gnu::always_inline]] inline void diff_apart(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
+                                              int32_t stride_b, int32_t stride_out, int16_t *out) {
+    with_strip<kMaxStrip, kForSize ? kMaxStrip : kVectorBytes / 2>(
+        w, [&](auto width, auto sides) __attribute__((always_inline)) {
+            area_strip_diff<width.value, sides.value>(w, h, a, b, stride_a, stride_b, stride_out, out);
+        });
 }
 
 template <class A, class B>
-[[gnu::noinline]] void any_size_diff(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
-                                     int32_t stride_out, int16_t *out) {
-    // Rows of the output that overlap each other are written in order, too.
+[[gnu::noinline]] void diff_piece(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
+                                  int32_t stride_out, int16_t *out) {
+    if (w < kNarrowest) return diff_in_order(w, h, a, b, stride_a, stride_b, stride_out, out);
+    diff_apart(w, h, a, b, stride_a, stride_b, stride_out, out);
+}
+
+// Of any area: large, empty, or over an input or rows of its own.
+template <class A, class B>
+[[gnu::noinline]] void careful_diff(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b,
+                                    int32_t stride_out, int16_t *out) {
+    if (w < 1 || h < 1) return;
+    // Rows of the output that overlap each other are written in order, too. Blocks of two types are small, and rarely
+    // come here: for them, that is the only way.
     const bool rows_overlap = h > 1 && stride_out < w && stride_out > -w;
     const Span written(out, w, h, stride_out);
-    if (rows_overlap || written.overlaps(Span(a, w, h, stride_a)) || written.overlaps(Span(b, w, h, stride_b))) {
+    if (sizeof(A) != sizeof(B) || rows_overlap || written.overlaps(Span(a, w, h, stride_a)) ||
+        written.overlaps(Span(b, w, h, stride_b))) {
         return diff_in_order(w, h, a, b, stride_a, stride_b, stride_out, out);
     }
-    for_each_band(
-        h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
-            for_each_strip<kVectorBytes / 2>(
-                w, [&](auto columns, ptrdiff_t x, auto) __attribute__((always_inline)) {
-                    diff_strip<columns.value, kForSize ? 1 : 2>(a + y * stride_a + x, b + y * stride_b + x, stride_a,
-                                                                stride_b, stride_out, out + y * stride_out + x, rows);
-                });
+    for_each_piece(
+        w, h, [&](int32_t x, ptrdiff_t y, int32_t columns, int32_t rows) __attribute__((always_inline)) {
+            diff_piece(columns, rows, a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b, stride_out,
+                       out + y * stride_out + x);
         });
 }
 
 // Whether two blocks that run upwards in memory are surely apart: neither begins within the bytes that the other one's
-// rows take at the most. Cheap, where the exact answer takes a good part of the time of a small block.
+// rows take at the most.
 [[gnu::always_inline]] inline bool surely_apart(const void *p, ptrdiff_t p_bytes, const void *q, ptrdiff_t q_bytes) {
     const uintptr_t from_q = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(q);
     return from_q + static_cast<uintptr_t>(p_bytes) >= static_cast<uintptr_t>(p_bytes + q_bytes);
 }
 
+// Whether an output is surely apart from its inputs. Cheap, where the exact answer takes a good part of the time of a
+// small block.
+template <class A, class B>
+[[gnu::always_inline]] inline bool surely_apart(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
+                                                int32_t stride_b, int32_t stride_out, const int16_t *out) {
+    const auto most_bytes = [=](ptrdiff_t stride, size_t sample) __attribute__((always_inline)) {
+        return (h * stride + w) * static_cast<ptrdiff_t>(sample);
+    };
+    const ptrdiff_t written = most_bytes(stride_out, sizeof *out);
+    return (stride_a | stride_b | stride_out) >= 0 && surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) &&
+           surely_apart(out, written, b, most_bytes(stride_b, sizeof *b));
+}
+
 // Out of line, so that the usual way needs no stack frame.
 template <int Width, int Height, class A, class B>
-[[gnu::noinline]] void careful_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
-                                    int16_t *out) {
-    any_size_diff(Width, Height, a, b, stride_a, stride_b, stride_out, out);
+[[gnu::noinline]] void careful_block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b,
+                                          int32_t stride_out, int16_t *out) {
+    careful_diff(Width, Height, a, b, stride_a, stride_b, stride_out, out);
 }
 
 template <int Width, int Height, class A, class B>
 void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out, int16_t *out) {
-    const auto most_bytes = [](ptrdiff_t stride, size_t sample) __attribute__((always_inline)) {
-        return (Height * stride + Width) * static_cast<ptrdiff_t>(sample);
-    };
-    const ptrdiff_t written = most_bytes(stride_out, sizeof *out);
-    if (!kIsStrip<Width, Height> || (stride_a | stride_b | stride_out) < 0 ||
-        !surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) ||
-        !surely_apart(out, written, b, most_bytes(stride_b, sizeof *b))) {
-        return careful_diff<Width, Height>(a, b, stride_a, stride_b, stride_out, out);
+    if (!kIsStrip<Width, Height> || !surely_apart(Width, Height, a, b, stride_a, stride_b, stride_out, out)) {
+        return careful_block_diff<Width, Height>(a, b, stride_a, stride_b, stride_out, out);
     }
     if constexpr (kIsStrip<Width, Height>) {
         constexpr int kStep = smaller(power_of_two_up_to(Height), Width <= 16 ? 16 : 4);
-        diff_strip<Width, kStep>(a, b, stride_a, stride_b, stride_out, out, Height);
+        diff_strip<Width, 1, kStep>(Width, Height, a, b, stride_a, stride_b, stride_out, out);
     }
 }
 
@@ -156,8 +190,13 @@ void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, i
     const auto square = [&](auto side) __attribute__((always_inline)) {
         block_diff<side.value, side.value>(a, b, stride_a, stride_b, stride_out, out);
     };
-    if (for_common_square(w, h, square) || w < 1 || h < 1) return;
-    any_size_diff(w, h, a, b, stride_a, stride_b, stride_out, out);
+    if (for_common_square(w, h, square)) return;
+    // Both ways are jumps: there is nothing to save for them.
+    if (!is_one_piece(w, h) || w < kNarrowest || stride_out < w ||
+        !surely_apart(w, h, a, b, stride_a, stride_b, stride_out, out)) {
+        return careful_diff(w, h, a, b, stride_a, stride_b, stride_out, out);
+    }
+    diff_apart(w, h, a, b, stride_a, stride_b, stride_out, out);
 }
 
 }  // namespace qorv::QORV_ISA

@@ -10,12 +10,9 @@ namespace qorv::QORV_ISA {
 enum class Term { kMagnitudes, kSquares };
 constexpr Term kMagnitudes = Term::kMagnitudes, kSquares = Term::kSquares;
 
-// What it is computed in: bytes; 16-bit lanes, while magnitudes and some sums of them stay below 32767; 32-bit lanes,
-// exactly.
-enum class In { kBytes, kWords, kLongs };
-
-// A sum over a strip, as walk() makes it. exact() is false if the lanes could not hold what came.
-template <Term term, In in, int Width>
+// A sum over a strip, or over two of them, as walk() makes it: of bytes, or in 16-bit lanes, which hold magnitudes and
+// some sums of them below 32767. exact() is false if the lanes could not hold what came.
+template <Term term, class Lane, int Width, int Sides>
 struct StripSum;
 
 // Both sums of bytes: `Narrow` is the width below which a full register is more than is needed.
@@ -31,22 +28,21 @@ struct ByteSum {
     [[gnu::always_inline]] static V load(const Rows<T> &rows, int y, int x) {
         return load_bytes<Columns, Count, kBytes>(rows, y, x);
     }
-    [[gnu::always_inline]] void leave_out(Constant<0>) {}
     [[gnu::always_inline]] void end_step(int) {}
     static constexpr bool exact() { return true; }
 };
 
-template <int Width>
-struct StripSum<kMagnitudes, In::kBytes, Width> : ByteSum<Width, 32> {
+template <int Width, int Sides>
+struct StripSum<kMagnitudes, uint8_t, Width, Sides> : ByteSum<Width, 32> {
     using Base = ByteSum<Width, 32>;
     using Base::kCount;
     using typename Base::S, typename Base::V;
     static constexpr int kVectors = 16;  // of a step
-    static constexpr int kMaxDistances = kMaxRows / S::kRows * S::kAcross / kCount;
+    static constexpr int kMaxDistances = kMaxRows / S::kRows * S::kAcross * Sides / kCount;
     static_assert(kMaxDistances <= kMaxByteDistances);
     ByteDistances<Base::kBytes> sum[kCount] = {};
 
-    [[gnu::always_inline]] void add(int k, V a, V b) { add_byte_distances(sum[k % kCount], a, b); }
+    [[gnu::always_inline]] void add(int k, int, V a, V b) { add_byte_distances(sum[k % kCount], a, b); }
     [[gnu::always_inline]] uint32_t total() const {
         if constexpr (2 * kMaxDistances > kMaxByteDistances) return sum_lanes(sum[0]) + sum_lanes(sum[1]);
         if constexpr (kCount == 2) return sum_lanes(sum[0] + sum[1]);
@@ -54,15 +50,15 @@ struct StripSum<kMagnitudes, In::kBytes, Width> : ByteSum<Width, 32> {
     }
 };
 
-template <int Width>
-struct StripSum<kSquares, In::kBytes, Width> : ByteSum<Width, 16> {
-    using Base = ByteSum<Width, 16>;
+template <int Width, int Sides>
+struct StripSum<kSquares, uint8_t, Width, Sides> : ByteSum<Width, 8> {
+    using Base = ByteSum<Width, 8>;
     using Base::kCount;
     using typename Base::V;
     static constexpr int kVectors = 8;
     ByteSquares<Base::kBytes> sum[kCount] = {};
 
-    [[gnu::always_inline]] void add(int k, V a, V b) { add_byte_squares(sum[k % kCount], a, b); }
+    [[gnu::always_inline]] void add(int k, int, V a, V b) { add_byte_squares(sum[k % kCount], a, b); }
     [[gnu::always_inline]] uint32_t total() const {
         if constexpr (kCount == 4) return sum_lanes((sum[0] + sum[1]) + (sum[2] + sum[3]));
         return sum_lanes(sum[0] + sum[1]);
@@ -70,8 +66,8 @@ struct StripSum<kSquares, In::kBytes, Width> : ByteSum<Width, 16> {
 };
 
 // Offsets of every other vector of a row, from the second on, which the compiler cannot tell to be constants: two
-// vectors side by side are then loaded by two instructions. Cortex-A55 takes three times as long for the one instruction
-// that loads both.
+// vectors side by side are then loaded by two instructions. Cortex-A55 takes three times as long for the one
+// instruction that loads both.
 struct OddVectors {
     ptrdiff_t second = 16, fourth = 48, sixth = 80, eighth = 112;
 
@@ -112,7 +108,6 @@ struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
     Vec<uint32_t, kBytes> sum[kSums] = {};
     Lanes largest[2] = {};
 
-    [[gnu::always_inline]] void leave_out(Constant<0>) {}
     [[gnu::always_inline]] void end_step(int) {}
     [[gnu::always_inline]] uint32_t total() const {
         if constexpr (kSums == 4) return sum_lanes((sum[0] + sum[1]) + (sum[2] + sum[3]));
@@ -124,12 +119,12 @@ struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
 };
 
 // The magnitudes of 8 vectors gather in 16-bit lanes: content of 12 bits stays below 2^15.
-template <int Width>
-struct StripSum<kMagnitudes, In::kWords, Width> : WordSum<Width> {
+template <int Width, int Sides>
+struct StripSum<kMagnitudes, int16_t, Width, Sides> : WordSum<Width> {
     using typename WordSum<Width>::Lanes, typename WordSum<Width>::V;
     Lanes gathered[2] = {};
 
-    [[gnu::always_inline]] void add(int k, V a, V b) {
+    [[gnu::always_inline]] void add(int k, int, V a, V b) {
         Lanes &lanes = gathered[k % 2];
         lanes = k % 8 < 2 ? abs_difference(a, b) : add_saturated(lanes, abs_difference(a, b));
         if (k % 8 == 7) add_gathered();
@@ -148,130 +143,229 @@ private:
 };
 
 // Modulo 2^32.
-template <int Width>
-struct StripSum<kSquares, In::kWords, Width> : WordSum<Width> {
+template <int Width, int Sides>
+struct StripSum<kSquares, int16_t, Width, Sides> : WordSum<Width> {
     using typename WordSum<Width>::Lanes, typename WordSum<Width>::V;
 
-    [[gnu::always_inline]] void add(int k, V a, V b) {
+    [[gnu::always_inline]] void add(int k, int, V a, V b) {
         const Lanes magnitudes = abs_difference(a, b);
         this->largest[k % 2] = max_lanes(this->largest[k % 2], magnitudes);
         add_squares(this->sum[k % kSums], magnitudes);
     }
 };
 
-template <Term term, int Width>
-struct StripSum<term, In::kLongs, Width> : WordSum<Width> {
-    using typename WordSum<Width>::V;
-    using Longs = Vec<int32_t, sizeof(V)>;
-    static constexpr int kVectors = 4;
-
-    [[gnu::always_inline]] void add(int, V a, V b) {
-        Longs lo, hi;
-        subtract_widened(a, b, lo, hi);
-        this->sum[0] += term_of(lo);
-        this->sum[1] += term_of(hi);
-    }
-    static constexpr bool exact() { return true; }
-
-private:
-    [[gnu::always_inline]] static auto term_of(Longs d) {
-        const Longs mask = d >> 15;
-        const auto magnitude = (Vec<uint32_t, sizeof(V)>)((d ^ mask) - mask);
-        return term == kSquares ? magnitude * magnitude : magnitude;
-    }
-};
-
-// A sum that leaves out the first columns of its strip, one vector wide: their samples are taken to be 0.
+// A sum over two strips, of which the second one leaves out its first columns: their samples are taken to be 0.
 template <class Sum>
 struct Masked : Sum {
     using typename Sum::S, typename Sum::V, typename Sum::Sample;
-    static_assert(S::kAcross == 1);
-    V mask;
+    V mask[S::kAcross];
 
-    [[gnu::always_inline]] void leave_out(int32_t columns) {
+    [[gnu::always_inline]] explicit Masked(int32_t columns) {
         const auto *row = (const Sample *)kMaskBytes.clear(columns * ptrdiff_t{sizeof(Sample)});
-        mask = this->template load<S::kColumns, S::kRows>(Rows<const Sample>(row, 0), 0, 0);
+        unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
+            mask[i] = this->template load<S::kColumns, S::kRows>(Rows<const Sample>(row, 0), 0, i * S::kColumns);
+        });
     }
-    [[gnu::always_inline]] void add(int k, V a, V b) { Sum::add(k, a & mask, b & mask); }
+    [[gnu::always_inline]] void add(int k, int i, V a, V b) {
+        if (i < S::kAcross) return Sum::add(k, i, a, b);
+        const V &used = mask[i - S::kAcross];
+        Sum::add(k, i, a & used, b & used);
+    }
 };
 
-template <class Sum, class Columns>
-struct Without {
-    using type = Masked<Sum>;
+template <class Sum>
+struct Unmasked : Sum {
+    [[gnu::always_inline]] explicit Unmasked(int32_t) {}
+};
+
+template <class Sum, int Sides>
+struct WithSides {
+    using type = Unmasked<Sum>;
 };
 template <class Sum>
-struct Without<Sum, Constant<0>> {
-    using type = Sum;
+struct WithSides<Sum, 2> {
+    using type = Masked<Sum>;
 };
 
-template <Term term, In in, class A, class B>
-[[gnu::noinline]] uint32_t any_size_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
-                                        int32_t stride_b);
+#if QORV_VECTOR_BYTES == 32
 
-// A sum over `rows` rows of a strip, at most kMaxRows, up to `MaxStep` rows a step, without its first `again` columns.
-template <Term term, In in, int Width, int MaxStep, class Again, class A, class B>
-[[gnu::always_inline]] inline uint32_t strip_sum(Again again, const A *a, const B *b, ptrdiff_t stride_a,
-                                                 ptrdiff_t stride_b, int32_t rows) {
-    using Sum = StripSum<term, in, Width>;
-    typename Without<Sum, Again>::type sum;
-    sum.leave_out(again);
-    Rows<const A> rows_a(a, stride_a);
-    Rows<const B> rows_b(b, stride_b);
-    walk<smaller(MaxStep, Sum::S::rows_of(Sum::kVectors))>(sum, rows_a, rows_b, rows);
-    if (!sum.exact()) {
-        return any_size_sum<term, In::kLongs>(Width - again, rows, a + again, b + again, static_cast<int32_t>(stride_a),
-                                              static_cast<int32_t>(stride_b));
+// A sum over the first columns of a strip as wide as a vector, if they are whole groups of 4 bytes: one load takes a
+// row, where two strips take two.
+template <class Sum>
+struct Cut : Sum {
+    using typename Sum::V, typename Sum::Sample;
+    U8 mask;
+
+    [[gnu::always_inline]] explicit Cut(int32_t columns)
+        : mask(qorv::QORV_ISA::load<U8>(kMaskBytes.set(columns * ptrdiff_t{sizeof(Sample)}))) {}
+    template <int Columns, int Count, class T>
+    [[gnu::always_inline]] V load(const Rows<T> &rows, int y, int x) const {
+        return (V)load_groups((const uint8_t *)rows.at(y, x), mask);
+    }
+};
+template <class Sum>
+struct WithSides<Sum, 0> {
+    using type = Cut<Sum>;
+};
+
+template <class T>
+[[gnu::always_inline]] inline bool is_cut(int32_t w) {
+    constexpr int kGroup = 4 / sizeof(T);
+    return w % kGroup == 0 && w > 8 && w < kVectorBytes / static_cast<int>(sizeof(T)) && w != 16;
+}
+
+#endif
+
+// Sample by sample, exact for all of 16 bits: over the few columns of an area that no vector pays for.
+template <Term term, class A, class B>
+[[gnu::noinline]] uint32_t narrow_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
+                                      int32_t stride_b) {
+    uint32_t sum = 0;
+    for (; h > 0; h--, a += stride_a, b += stride_b) {
+        for (int32_t x = 0; x < w; x++) {
+            int32_t d = a[x] - b[x];
+            hide_origin(d);  // no vectors of the compiler's
+            const auto magnitude = static_cast<uint32_t>((d ^ d >> 15) - (d >> 15));
+            sum += term == kSquares ? magnitude * magnitude : magnitude;
+        }
+    }
+    return sum;
+}
+
+// In 32-bit lanes, exact as well: rows of at least one vector of words, the last one reaching back over what was
+// counted.
+template <Term term, class V>
+[[gnu::always_inline]] inline uint32_t exact_vectors(int32_t w, int32_t h, const int16_t *a, const int16_t *b,
+                                                     ptrdiff_t stride_a, ptrdiff_t stride_b) {
+    using Longs = Vec<int32_t, sizeof(V)>;
+    constexpr int32_t kColumns = sizeof(V) / sizeof(int16_t);
+    const V used = load<V>(kMaskBytes.clear((-w & (kColumns - 1)) * ptrdiff_t{sizeof *a}));
+    Longs sum[2] = {};
+    const auto add = [&](V va, V vb) __attribute__((always_inline)) {
+        Longs d[2];
+        subtract_widened(va, vb, d[0], d[1]);
+        unrolled<2>([&](int i) __attribute__((always_inline)) {
+            const Longs sign = d[i] >> 15, magnitude = (d[i] ^ sign) - sign;
+            sum[i] += term == kSquares ? magnitude * magnitude : magnitude;
+        });
+    };
+    for (; h > 0; h--, a += stride_a, b += stride_b) {
+        for (int32_t x = 0; x < w - kColumns; x += kColumns) add(load<V>(a + x), load<V>(b + x));
+        add(load<V>(a + w - kColumns) & used, load<V>(b + w - kColumns) & used);
+    }
+    return sum_lanes((Vec<uint32_t, sizeof(V)>)(sum[0] + sum[1]));
+}
+
+template <Term term>
+[[gnu::noinline]] uint32_t exact_sum(int32_t w, int32_t h, const int16_t *a, const int16_t *b, int32_t stride_a,
+                                     int32_t stride_b) {
+    using Full = Vec<int16_t>;
+    using Half = Vec<int16_t, 16>;
+    if (w >= kVectorBytes / 2) return exact_vectors<term, Full>(w, h, a, b, stride_a, stride_b);
+    if (kVectorBytes > 16 && w >= 8) return exact_vectors<term, Half>(w, h, a, b, stride_a, stride_b);
+    return narrow_sum<term>(w, h, a, b, stride_a, stride_b);
+}
+
+template <Term term>
+[[gnu::noinline]] uint32_t exact_sum(int32_t w, int32_t h, const int16_t *a, const uint8_t *b, int32_t stride_a,
+                                     int32_t stride_b) {
+    int16_t widened[kMaxStrip];
+    uint32_t sum = 0;
+    for (; h > 0; h--, a += stride_a, b += stride_b) {
+        for (int32_t x = 0; x < w; x++) widened[x] = b[x];
+        sum += exact_sum<term>(w, 1, a, widened, 0, 0);
+    }
+    return sum;
+}
+
+template <class T>
+struct LaneOf {
+    using type = int16_t;
+};
+template <>
+struct LaneOf<uint8_t> {
+    using type = uint8_t;
+};
+// What the samples of two blocks are subtracted in. Only where both are bytes, A is.
+template <class A, class B>
+using LaneFor = typename LaneOf<A>::type;
+
+// A sum over at most kMaxRows rows of a strip, or of two that overlap, up to `MaxStep` rows a step.
+template <Term term, int Width, int Sides, int MaxStep, class A, class B>
+[[gnu::always_inline]] inline uint32_t strip_sum(int32_t w, int32_t rows, const A *a, const B *b, int32_t stride_a,
+                                                 int32_t stride_b) {
+    constexpr int kSides = Sides == 2 ? 2 : 1;
+    using Sum = typename WithSides<StripSum<term, LaneFor<A, B>, Width, kSides>, Sides>::type;
+    Sum sum(Sides == 2 ? 2 * Width - w : w);
+    Strip<const A, kSides> strip_a(a, stride_a, w - Width);
+    Strip<const B, kSides> strip_b(b, stride_b, w - Width);
+    walk<smaller(MaxStep, Sum::S::rows_of(Sum::kVectors))>(sum, strip_a, strip_b, rows);
+    if constexpr (sizeof(A) + sizeof(B) > 2) {
+        if (!sum.exact()) return exact_sum<term>(w, rows, a, b, stride_a, stride_b);
     }
     return sum.total();
 }
 
-// Over an area of any size.
-template <Term term, In in, class A, class B>
-[[gnu::noinline]] uint32_t any_size_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
-                                        int32_t stride_b) {
-    constexpr int kLanes = in == In::kBytes ? kVectorBytes : kVectorBytes / 2;
-    constexpr int kWidest = in == In::kLongs ? kLanes : kMaxStrip;
-    constexpr int kStep = in == In::kBytes && !kForSize ? 4 : 1;
-    uint32_t sum = 0;
-    for_each_band(
-        h, [&](ptrdiff_t y, int32_t rows) __attribute__((always_inline)) {
-            for_each_strip<kLanes, kWidest>(
-                w, [&](auto columns, ptrdiff_t x, auto again) __attribute__((always_inline)) {
-                    sum += strip_sum<term, in, columns.value, kStep>(again, a + y * stride_a + x, b + y * stride_b + x,
-                                                                     stride_a, stride_b, rows);
-                });
-        });
-    return sum;
+// A function of its own for each strip: the one that is needed then keeps nothing for the others.
+template <Term term, int Width, int Sides, class A, class B>
+[[gnu::noinline]] uint32_t area_strip(int32_t w, int32_t rows, const A *a, const B *b, int32_t stride_a,
+                                      int32_t stride_b) {
+    using S = typename StripSum<term, LaneFor<A, B>, Width, 1>::S;
+    constexpr int kStep = kForSize ? 1 : S::kRows * Sides * S::kAcross > 1 ? S::kRows : kAreaVectors;
+    return strip_sum<term, Width, Sides, kStep>(w, rows, a, b, stride_a, stride_b);
 }
 
-template <class A, class B>
-constexpr In kFor = sizeof(A) + sizeof(B) == 2 ? In::kBytes : In::kWords;
+template <Term term, class A, class B>
+uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b);
 
 template <Term term, int Width, int Height, class A, class B>
 uint32_t block_sum(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     if constexpr (kIsStrip<Width, Height>) {
         constexpr int kStep = smaller(power_of_two_up_to(Height), 16);
-        return strip_sum<term, kFor<A, B>, Width, kStep>(Constant<0>{}, a, b, stride_a, stride_b, Height);
+        return strip_sum<term, Width, 1, kStep>(Width, Height, a, b, stride_a, stride_b);
     } else {
-        return any_size_sum<term, kFor<A, B>>(Width, Height, a, b, stride_a, stride_b);
+        return area_sum<term>(Width, Height, a, b, stride_a, stride_b);
     }
 }
 
-// What qorv_sad and its like do: common squares as the blocks of those sizes, all else by strips.
-template <Term term, class T>
-[[gnu::always_inline]] inline uint32_t area_sum(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a,
-                                                int32_t stride_b) {
+template <Term term, class A, class B>
+[[gnu::noinline]] uint32_t sum_of_pieces(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
+                                         int32_t stride_b) {
+    uint32_t sum = 0;
+    for_each_piece(
+        w, h, [&](int32_t x, ptrdiff_t y, int32_t columns, int32_t rows) __attribute__((always_inline)) {
+            sum += area_sum<term>(columns, rows, a + y * stride_a + x, b + y * stride_b + x, stride_a, stride_b);
+        });
+    return sum;
+}
+
+// What qorv_sad and its like do: common squares as the blocks of those sizes, all else by strips. Whatever is called is
+// jumped to: there is nothing to save for it.
+template <Term term, class A, class B>
+uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     uint32_t sum = 0;
     const auto square = [&](auto side) __attribute__((always_inline)) {
         constexpr int kSide = side.value;
         if constexpr (kSide <= 16) {  // inline: one more jump would slow them down
-            sum = strip_sum<term, kFor<T, T>, kSide, kSide>(Constant<0>{}, a, b, stride_a, stride_b, kSide);
+            sum = strip_sum<term, kSide, 1, kSide>(kSide, kSide, a, b, stride_a, stride_b);
         } else {
             sum = block_sum<term, kSide, kSide>(a, b, stride_a, stride_b);
         }
     };
-    if (!kForSize && for_common_square(w, h, square)) return sum;
-    return w < 1 ? 0 : any_size_sum<term, kFor<T, T>>(w, h, a, b, stride_a, stride_b);
+    if (!kForSize && sizeof(A) == sizeof(B) && for_common_square(w, h, square)) return sum;
+    if (!is_one_piece(w, h)) [[unlikely]]
+        return sum_of_pieces<term>(w, h, a, b, stride_a, stride_b);
+    if (w < kNarrowest) [[unlikely]]
+        return narrow_sum<term>(w, h, a, b, stride_a, stride_b);
+#if QORV_VECTOR_BYTES == 32
+    if (term == kMagnitudes && sizeof(A) == sizeof(B) && is_cut<A>(w)) {
+        return area_strip<term, kVectorBytes / sizeof(A), 0>(w, h, a, b, stride_a, stride_b);
+    }
+#endif
+    return with_strip<kMaxStrip, kMaxStrip>(
+        w, [&](auto width, auto sides) __attribute__((always_inline)) {
+            return area_strip<term, width.value, sides.value>(w, h, a, b, stride_a, stride_b);
+        });
 }
 
 template <class T>

@@ -61,8 +61,8 @@ template <bool Small, int N, class Sum, class V>
 template <class A, class B>
 constexpr bool kFirstStageDone = kHasSumsAndDifferences && sizeof(A) + sizeof(B) == 2;
 
-// Loads a residual, modulo 2^16, into N vectors, each of as many rows of `Width` columns as it has lanes for. The lanes are
-// signed so that the compiler does not reorder the sums and lose what they have in common.
+// Loads a residual, modulo 2^16, into N vectors, each of as many rows of `Width` columns as it has lanes for. The lanes
+// are signed so that the compiler does not reorder the sums and lose what they have in common.
 template <int Width, int N, class V, class A, class B>
 [[gnu::always_inline]] inline void load_residual(V (&v)[N], Rows<A> &a, Rows<B> &b) {
     constexpr int kBytes = sizeof(V);

@@ -108,7 +108,7 @@ void for_all_blocks(int w, int h, SampleType type_a, SampleType type_b, const Ch
     }
 }
 
-constexpr int kWidths[] = {1, 2, 3, 4, 5, 7, 8, 11, 12, 15, 16, 17, 28, 31, 32, 33, 40, 63, 64, 65, 100, 131};
+constexpr int kWidths[] = {1, 2, 3, 4, 5, 7, 8, 10, 11, 12, 15, 16, 17, 24, 28, 31, 32, 33, 40, 63, 64, 65, 100, 131};
 constexpr int kHeights[] = {1, 2, 3, 4, 5, 7, 8, 13, 64, 67};
 
 template <class Member, class Check>
@@ -239,6 +239,41 @@ TEST_P(Metric, RowsMayLieFarApart) {
         });
     }
     munmap(map, kBytes);
+}
+
+// Each row in a page of its own, at its beginning or its end, and no access to the pages between them.
+TEST_P(Metric, NothingBetweenRowsIsRead) {
+    constexpr int kRows = 5, kPage = 1 << 14;  // the largest of any page
+    constexpr size_t kBytes = size_t{2} * kRows * kPage;
+    auto *base =
+        static_cast<uint8_t *>(mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(base, MAP_FAILED);
+    std::generate(base, base + kBytes, [] { return static_cast<uint8_t>(random_numbers()()); });
+    for (int row = 0; row < kRows; row++) mprotect(base + (2 * row + 1) * kPage, kPage, PROT_NONE);
+    const auto for_all_places = [&](const auto &member, const auto &check) {
+        if (member.w != 0) return;
+        for (int w = 1; w <= 70; w++) {
+            uint8_t *end = base + kPage - w * member.a.bytes;
+            check(w, 2 * kPage / member.a.bytes, base, end);
+            check(w, 2 * kPage / member.a.bytes, end, base);
+        }
+    };
+    for (const Cost &cost : costs()) {
+        if (cost.name.starts_with("satd")) continue;  // whole tiles are read
+        for_all_places(cost, [&](int w, int stride, const uint8_t *a, const uint8_t *b) {
+            EXPECT_EQ(cost.run(w, kRows, a, b, stride, stride), cost.expected(w, kRows, a, b, stride, stride))
+                << cost.name << ' ' << w;
+        });
+    }
+    for (const Diff &diff : diffs()) {
+        for_all_places(diff, [&](int w, int stride, const uint8_t *a, const uint8_t *b) {
+            std::vector<int16_t> out(static_cast<size_t>(w * kRows)), expected(out);
+            diff.run(w, kRows, a, b, stride, stride, w, out.data());
+            diff.expected(w, kRows, a, b, stride, stride, w, expected.data());
+            EXPECT_EQ(out, expected) << diff.name << ' ' << w;
+        });
+    }
+    munmap(base, kBytes);
 }
 
 TEST_P(Metric, HadamardEqualsTheMatrix) {
