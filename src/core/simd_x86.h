@@ -75,20 +75,38 @@ template <class Offset>
     b = (U8)QORV_MM(packus_epi16)((Register)(v0 >> 8), (Register)(v1 >> 8));
 }
 
-// Four channels: in each register, the four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix
-// of those lanes is transposed.
-[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
-    const Register gather = every_lane(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
-    const Register v0 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 0), gather);
-    const Register v1 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 1), gather);
-    const Register v2 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 2), gather);
-    const Register v3 = QORV_MM(shuffle_epi8)(load_lanes<4>(p, 3), gather);
+// Registers of four pixels a lane, which begin at the lane's first byte, in the last one at byte `behind`: in each, the
+// four samples of a channel are gathered into a 32-bit lane, then the 4 x 4 matrix of those lanes is transposed.
+template <int Bytes>
+[[gnu::always_inline]] inline void gather_channels(Register v0, Register v1, Register v2, Register v3, int behind,
+                                                   U8 &a, U8 &b, U8 &c, U8 &d) {
+    const auto gather = [](Register v, int begin) __attribute__((always_inline)) {
+        return QORV_MM(shuffle_epi8)(v, shuffle_indices([=](int i) { return (begin + i % 4 * Bytes + i / 4) % 16; }));
+    };
+    v0 = gather(v0, 0), v1 = gather(v1, 0), v2 = gather(v2, 0), v3 = gather(v3, behind);
     const Register ab01 = QORV_MM(unpacklo_epi32)(v0, v1), cd01 = QORV_MM(unpackhi_epi32)(v0, v1);
     const Register ab23 = QORV_MM(unpacklo_epi32)(v2, v3), cd23 = QORV_MM(unpackhi_epi32)(v2, v3);
     a = (U8)QORV_MM(unpacklo_epi64)(ab01, ab23);
     b = (U8)QORV_MM(unpackhi_epi64)(ab01, ab23);
     c = (U8)QORV_MM(unpacklo_epi64)(cd01, cd23);
     d = (U8)QORV_MM(unpackhi_epi64)(cd01, cd23);
+}
+
+// 12 bytes a lane, from every twelfth on; the last 16 bytes begin earlier, to end with the block.
+[[gnu::always_inline]] inline Register load_twelve(const uint8_t *p, int first) {
+    const uint16_t offsets[2] = {0, 48};
+    return (Register)load_windows(p + first, offsets);
+}
+
+[[gnu::always_inline]] inline void load_interleaved3(const uint8_t *p, U8 &a, U8 &b, U8 &c) {
+    U8 unused;
+    gather_channels<3>(load_twelve(p, 0), load_twelve(p, 12), load_twelve(p, 24), load_twelve(p, 32), 4, a, b, c,
+                       unused);
+}
+
+[[gnu::always_inline]] inline void load_interleaved4(const uint8_t *p, U8 &a, U8 &b, U8 &c, U8 &d) {
+    gather_channels<4>(load_lanes<4>(p, 0), load_lanes<4>(p, 1), load_lanes<4>(p, 2), load_lanes<4>(p, 3), 0, a, b, c,
+                       d);
 }
 
 // What multiplications of bytes take: the first two bytes of each pixel side by side, and the third with whatever follows
@@ -110,12 +128,7 @@ template <int Bytes>
 }
 
 [[gnu::always_inline]] inline PackedPixels load_packed3(const uint8_t *p) {
-    // From every twelfth byte on; the last 16 bytes begin earlier, to end with the block.
-    const auto lanes = [=](int first) __attribute__((always_inline)) {
-        const uint16_t offsets[2] = {0, 48};
-        return (Register)load_windows(p + first, offsets);
-    };
-    return pair_pixels<3>(lanes(0), lanes(12), lanes(24), lanes(32), 4);
+    return pair_pixels<3>(load_twelve(p, 0), load_twelve(p, 12), load_twelve(p, 24), load_twelve(p, 32), 4);
 }
 
 [[gnu::always_inline]] inline PackedPixels load_packed4(const uint8_t *p) {

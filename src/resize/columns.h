@@ -71,7 +71,7 @@ int64_t group_span(int64_t pixel_step) {
 // The strip of `count` columns from `first` on, sampled into `PerPixel` outputs a pixel. Of a source row `readable`
 // pixels may be read.
 template <class Pixel, int PerPixel>
-Strip strip_of(const Grid &grid, int32_t first, int32_t count, int64_t readable) {
+[[gnu::noinline]] Strip strip_of(const Grid &grid, int32_t first, int32_t count, int64_t readable) {
     constexpr bool kFourBytes = Pixel::kMemory == 4;  // of these two columns make a group
     const Axis &x = grid.x;
     const int64_t begin = first * x.step, end = begin + (count - 1) * x.step, first_pixel = begin >> kPositionBits;
@@ -130,7 +130,7 @@ struct Columns {
 private:
     static constexpr int kBytes = Pixel::kSampled;
 
-    void fill() {
+    [[gnu::noinline]] void fill() {
         using U16x8 = Vec<uint16_t, 16>;
         using U32x4 = Vec<uint32_t, 16>;
         const uint32_t step = static_cast<uint32_t>(strip.x.step);
@@ -144,8 +144,8 @@ private:
             U32x4 a = load<U32x4>(kPattern.column[phase]) + block, b = load<U32x4>(kPattern.column[phase] + 4) + block;
             a = a < last_column ? a : last_column;
             b = b < last_column ? b : last_column;
-            // Eighths from the strip's first pixel on. They fit: 13 bits hold 1024 pixels, a strip lies over 770. Longer
-            // steps wrap, but a picked column needs the fraction alone.
+            // Eighths from the strip's first pixel on. They fit: 13 bits hold 1024 pixels, a strip lies over 770.
+            // Longer steps wrap, but a picked column needs the fraction alone.
             const U16x8 eighths = join((strip.fraction + a * step) >> kEighthBits & 0x1FFF,
                                        (strip.fraction + b * step) >> kEighthBits & 0x1FFF);
             const U16x8 pixel = pairs ? join(2 * a, 2 * b) : eighths >> 3;

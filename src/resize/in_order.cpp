@@ -6,18 +6,19 @@ namespace qorv {
 
 namespace {
 
-template <int N>
+constexpr int kMaxChannels = 4;
+
 struct BytePixel {
-    static constexpr int kBytes = N, kChannels = N;
+    int bytes, channels = bytes;
 
     static int channel(const uint8_t *pixel, int i) { return pixel[i]; }
-    static void put(const int *sums, uint8_t *pixel) {
-        for (int i = 0; i < N; i++) pixel[i] = static_cast<uint8_t>(sums[i] >> 6);
+    void put(const int *sums, uint8_t *pixel) const {
+        for (int i = 0; i < bytes; i++) pixel[i] = static_cast<uint8_t>(sums[i] >> 6);
     }
 };
 
 struct Pixel565 {
-    static constexpr int kBytes = 2, kChannels = 3;
+    int bytes = 2, channels = 3;
 
     // The field's bits as the highest of a byte.
     static int channel(const uint8_t *pixel, int i) {
@@ -35,24 +36,30 @@ int eighths(int64_t position) {
     return static_cast<int>(position >> kEighthBits & 7);
 }
 
+struct RowPair {
+    const uint8_t *upper, *lower;
+    int fy;
+};
+
 template <class From, class To>
-void resize_row(const Grid &grid, const Part &part, const uint8_t *upper, const uint8_t *lower, int fy, uint8_t *dst) {
-    const ptrdiff_t right = grid.x.step != 0 ? ptrdiff_t{grid.neighbour} * From::kBytes : 0;
-    int64_t x = part.x * grid.x.step;
-    for (int32_t i = 0; i < part.w; i++, x += grid.x.step, dst += To::kBytes) {
-        const ptrdiff_t at = static_cast<ptrdiff_t>(x >> kPositionBits << grid.x.shift) * From::kBytes;
-        const uint8_t *w = qorv_irsz_tbl_rsz_weight[eighths(x) * 8 + fy];
-        int sums[From::kChannels];
-        for (int c = 0; c < From::kChannels; c++) {
-            sums[c] = w[0] * From::channel(upper + at, c) + w[1] * From::channel(upper + at + right, c) +
-                      w[2] * From::channel(lower + at, c) + w[3] * From::channel(lower + at + right, c);
+void resize_row(const ResizeJob &job, const RowPair &rows, From from, To to, uint8_t *dst) {
+    const Axis &axis = job.grid.x;
+    const ptrdiff_t right = axis.step != 0 ? ptrdiff_t{job.grid.neighbour} * from.bytes : 0;
+    int64_t x = job.part.x * axis.step;
+    for (int32_t i = 0; i < job.part.w; i++, x += axis.step, dst += to.bytes) {
+        const ptrdiff_t at = static_cast<ptrdiff_t>(x >> kPositionBits << axis.shift) * from.bytes;
+        const uint8_t *w = qorv_irsz_tbl_rsz_weight[eighths(x) * 8 + rows.fy];
+        int sums[kMaxChannels];
+        for (int c = 0; c < from.channels; c++) {
+            sums[c] = w[0] * from.channel(rows.upper + at, c) + w[1] * from.channel(rows.upper + at + right, c) +
+                      w[2] * from.channel(rows.lower + at, c) + w[3] * from.channel(rows.lower + at + right, c);
         }
-        To::put(sums, dst);
+        to.put(sums, dst);
     }
 }
 
 template <class From, class To>
-void resize_in_order(const ResizeJob &job) {
+void resize_in_order(const ResizeJob &job, From from, To to) {
     const Axis &axis = job.grid.y;
     int64_t y = job.part.y * axis.step;
     uint8_t *dst = job.dst;
@@ -61,8 +68,14 @@ void resize_in_order(const ResizeJob &job) {
         const int fy = eighths(y);
         // A row of weight 0 may not exist.
         const int64_t lower = fy == 0 ? upper : upper + (int64_t{1} << axis.shift);
-        resize_row<From, To>(job.grid, job.part, job.rows.row(upper), job.rows.row(lower), fy, dst);
+        resize_row(job, {job.rows.row(upper), job.rows.row(lower), fy}, from, to, dst);
     }
+}
+
+// Pixels of `N` bytes, by one function for all of them.
+template <int N>
+void bytes_in_order(const ResizeJob &job) {
+    resize_in_order(job, BytePixel{N}, BytePixel{N});
 }
 
 // Rows of one stride, addresses as numbers: they may belong to different objects.
@@ -93,11 +106,11 @@ bool beside(const Rows &a, const Rows &b) {
 }  // namespace
 
 constinit const PictureKernels in_order = {
-    .gray = resize_in_order<BytePixel<1>, BytePixel<1>>,
-    .rgb = resize_in_order<BytePixel<3>, BytePixel<3>>,
-    .rgb_to_565 = resize_in_order<BytePixel<3>, Pixel565>,
-    .rgb565 = resize_in_order<Pixel565, Pixel565>,
-    .rgba = resize_in_order<BytePixel<4>, BytePixel<4>>,
+    .gray = bytes_in_order<1>,
+    .rgb = bytes_in_order<3>,
+    .rgb_to_565 = [](const ResizeJob &job) { resize_in_order(job, BytePixel{3}, Pixel565{}); },
+    .rgb565 = [](const ResizeJob &job) { resize_in_order(job, Pixel565{}, Pixel565{}); },
+    .rgba = bytes_in_order<4>,
 };
 
 bool order_is_free(const ResizeJob &job, int32_t src_bytes, int32_t dst_bytes) {

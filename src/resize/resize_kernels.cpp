@@ -25,26 +25,31 @@ struct StoreBytes {
     }
 };
 
-// Four outputs, the last of no meaning, become one 5-6-5 word.
+// `PerPixel` outputs, a fourth of no meaning, become one 5-6-5 word.
+template <int PerPixel>
 struct Store565 {
     static constexpr int kPixelBytes = 2;
 
     template <class Sampler>
     static void row(const Sampler &sampler, int columns, uint8_t *dst) {
-        uint8_t outputs[4 * kStripColumns];
-        sampler.write(0, (4 * columns + kUnit - 1) / kUnit * kUnit, outputs);
+        uint8_t outputs[PerPixel * kStripColumns];
+        sampler.write(0, (PerPixel * columns + kUnit - 1) / kUnit * kUnit, outputs);
         int x = 0;
-        for (; x + kVectorBytes <= columns; x += kVectorBytes) pack(outputs + 4 * x, dst + 2 * x);
+        for (; x + kVectorBytes <= columns; x += kVectorBytes) pack(outputs + PerPixel * x, dst + 2 * x);
         if (x < columns) {
             uint8_t last[2 * kVectorBytes];
-            pack(outputs + 4 * x, last);
+            pack(outputs + PerPixel * x, last);
             memcpy(dst + 2 * x, last, static_cast<size_t>(2 * (columns - x)));
         }
     }
 
     [[gnu::always_inline]] static void pack(const uint8_t *pixels, uint8_t *words) {
         U8 top, middle, bottom, unused, low, high;
-        load_interleaved4(pixels, top, middle, bottom, unused);
+        if constexpr (PerPixel == 3) {
+            load_interleaved3(pixels, top, middle, bottom);
+        } else {
+            load_interleaved4(pixels, top, middle, bottom, unused);
+        }
         pack_565(top, middle, bottom, low, high);
         store_interleaved2(words, low, high);
     }
@@ -250,8 +255,8 @@ void sample_planes(const PlanesJob &job) {
 constinit const ResizeKernels resize_kernels = {
     .pictures = {.gray = resize<BytePixel<1>, 1, StoreBytes<1>>,
                  .rgb = resize<BytePixel<3>, 3, StoreBytes<3>>,
-                 .rgb_to_565 = resize<BytePixel<3>, 4, Store565>,
-                 .rgb565 = resize<Pixel565, 4, Store565>,
+                 .rgb_to_565 = resize<BytePixel<3>, 3, Store565<3>>,
+                 .rgb565 = resize<Pixel565, 4, Store565<4>>,
                  .rgba = resize<BytePixel<4>, 4, StoreBytes<4>>},
     .planes = sample_planes,
 };

@@ -113,7 +113,8 @@ void resize_picture(const Format &format, const QORV_IRSZ &rsz, const uint8_t *s
     run(format, job_of(format, rsz, 0, rsz.dst_h, {src, stride, 0, -1, nullptr}));
 }
 
-int32_t resize_record(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint32_t first_row, uint32_t band_h) {
+[[gnu::noinline]] int32_t resize_record(const Format &format, QORV_IRSZ &rsz, const uint8_t *src, uint32_t first_row,
+                                        uint32_t band_h) {
     if (rsz.mode == kBandMode) {
         resize_band(format, rsz, src, first_row, band_h);
     } else {
@@ -126,8 +127,8 @@ Axis unpacked(int32_t packed_step) {
     return {packed_step >> 3, packed_step & 7};
 }
 
-void resize_full(const Format &format, const uint8_t *src, uint32_t src_pitch, int32_t dst_w, int32_t dst_h,
-                 int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y) {
+[[gnu::noinline]] void resize_full(const Format &format, const uint8_t *src, uint32_t src_pitch, int32_t dst_w,
+                                   int32_t dst_h, int32_t dst_pitch, uint8_t *dst, int32_t step_x, int32_t step_y) {
     const Axis x = unpacked(step_x);
     run(format, {.grid = {x, unpacked(step_y), 1 << x.shift},
                  .part = {0, 0, dst_w, dst_h},
@@ -136,8 +137,8 @@ void resize_full(const Format &format, const uint8_t *src, uint32_t src_pitch, i
                  .dst_stride = ptrdiff_t{dst_pitch} * format.pitch_unit});
 }
 
-void resize_line(const Format &format, const uint8_t *const *rows, const uint8_t *weights, int32_t dst_w,
-                 int32_t shift_x, int32_t pel_step, uint32_t step_x, uint8_t *dst) {
+[[gnu::noinline]] void resize_line(const Format &format, const uint8_t *const *rows, const uint8_t *weights,
+                                   int32_t dst_w, int32_t shift_x, int32_t pel_step, uint32_t step_x, uint8_t *dst) {
     const int64_t fy = weights[2] >> 3;  // the third weight is (8 - fx) fy, with fx = 0
     // Row 1 of a destination whose rows lie fy eighths apart.
     run(format, {.grid = {{step_x, shift_x}, {fy << kEighthBits, 0}, pel_step},
