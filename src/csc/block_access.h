@@ -39,15 +39,21 @@ struct Access<Planar4> : PlanarAccess<4> {};
 template <>
 struct Access<BytePlane> : PlanarAccess<1> {};
 
+template <class Layout>
+struct Interleaved3Access : ByteBlock {
+    static constexpr const uint8_t (&kOrder)[3] = Layout::order;
+    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
+        store_interleaved3(p[0] + 3 * x, block.c[kOrder[0]], block.c[kOrder[1]], block.c[kOrder[2]]);
+    }
+};
 template <>
-struct Access<Rgb888> : ByteBlock {
+struct Access<Rgb888> : Interleaved3Access<Rgb888> {
     [[gnu::always_inline]] static PackedPixels load(const uint8_t *const *p, ptrdiff_t x) {
         return load_packed3(p[0] + 3 * x);
     }
-    [[gnu::always_inline]] static void store(uint8_t *const *p, ptrdiff_t x, const Pixels &block) {
-        store_interleaved3(p[0] + 3 * x, block.c[0], block.c[1], block.c[2]);
-    }
 };
+template <>
+struct Access<Bgr888> : Interleaved3Access<Bgr888> {};
 
 template <class Layout>
 struct Interleaved4Access : ByteBlock {

@@ -13,9 +13,9 @@ struct RowPointers {
 #pragma GCC unroll 4
         for (int i = kLayout.first; i < kLayout.count; i++) p[i] = first[i];
     }
-    [[gnu::always_inline]] void advance(const ptrdiff_t *stride) {
+    [[gnu::always_inline]] void advance(const ptrdiff_t *stride, ptrdiff_t rows = 1) {
 #pragma GCC unroll 4
-        for (int i = kLayout.first; i < kLayout.count; i++) p[i] += stride[i];
+        for (int i = kLayout.first; i < kLayout.count; i++) p[i] += rows * stride[i];
     }
 };
 

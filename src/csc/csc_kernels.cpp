@@ -70,6 +70,7 @@ constinit const CscKernels csc_kernels = {
     .narrower = kVectorBytes == kLeastBlock ? &pixel::csc_kernels : &v2::csc_kernels,
     .reorder3 = reorder<3>,
     .reorder4 = reorder<4>,
+    .yuv444_to_bgr888 = convert<Planar3, YuvToRgb, Bgr888>,
     .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)

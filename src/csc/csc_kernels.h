@@ -21,6 +21,7 @@ struct CscKernels {
     ptrdiff_t block;             // pixels that every kernel can convert at a time
     const CscKernels *narrower;  // kernels of shorter blocks
     ReorderKernel reorder3, reorder4;
+    CscKernel yuv444_to_bgr888;
     CscKernel drop_2_bits;  // one plane of words to one of bytes: bits 9..2 of each sample
 #define QORV_KERNEL_MEMBER(name, source, colour, dest) CscKernel name;
     QORV_CSC_CONVERTERS(QORV_KERNEL_MEMBER)

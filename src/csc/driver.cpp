@@ -1,5 +1,7 @@
 #include "csc/driver.h"
 
+#include <string.h>
+
 #include "csc/stage.h"
 #include "resize/resize_kernels.h"
 
@@ -13,6 +15,37 @@ constexpr ptrdiff_t kNoStride[kMaxChannels] = {};  // of a kernel's single row
 constexpr ptrdiff_t kNarrow = 64;
 // Pixels that the loop over pixels has converted before a stage is set up.
 constexpr ptrdiff_t kFew = 4;
+
+// A kernel whose destination's pointers stand at the bytes `place` of a pixel, and one that writes the same pixels in
+// canonical order.
+struct OtherOrder {
+    KernelMember kernel;
+    uint8_t place[kMaxChannels];
+    KernelMember same;
+};
+constexpr OtherOrder kOtherOrders[] = {
+    {&CscKernels::yuv444_to_rgb888, {2, 1, 0}, &CscKernels::yuv444_to_bgr888},
+    {&CscKernels::yuv444_to_rgba8888, {2, 1, 0, 3}, &CscKernels::yuv444_to_bgra8888},
+    {&CscKernels::yuv444a8_to_rgba8888, {2, 1, 0, 3}, &CscKernels::yuv444a8_to_bgra8888},
+    {&CscKernels::r8g8b8_to_rgba8888, {2, 1, 0, 3}, &CscKernels::r8g8b8_to_bgra8888},
+    {&CscKernels::r8g8b8a8_to_rgba8888, {2, 1, 0, 3}, &CscKernels::r8g8b8a8_to_bgra8888},
+};
+
+// Puts the pointers of a packed destination into canonical order where there is a kernel that writes the same. No pixel
+// may be written twice: then the order within one does not count.
+void put_in_order(DestPicture &dst, Planes<uint8_t> &planes, KernelMember &kernel) {
+    if (!planes.packed) return;
+#pragma GCC unroll 1
+    for (const OtherOrder &other : kOtherOrders) {
+        if (other.kernel != kernel || memcmp(other.place, planes.place, sizeof other.place) != 0) continue;
+        kernel = other.same;
+        for (uint8_t k = 0; k < dst.layout.count; k++) {
+            planes.place[k] = k;
+            dst.p[k] = planes.plane[0].p + k;
+        }
+        return;
+    }
+}
 
 // Converts one row of `n` pixels, or a whole block of which they are part.
 void convert_row(KernelMember kernel, const uint8_t *const *from, uint8_t *const *to, ptrdiff_t n) {
@@ -80,12 +113,13 @@ void convert_one_by_one(const SourcePicture &src, const DestPicture &dst, Size s
 
 }  // namespace
 
-void convert_other(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel, bool clear) {
+void convert_other(const SourcePicture &src, DestPicture &dst, Size size, KernelMember kernel, bool clear) {
     if (size.w * size.h <= kFew) return convert_one_by_one(src, dst, size, kernel);
     const Planes<const uint8_t> in = planes_of(src);
-    const Planes<uint8_t> out = planes_of(dst);
+    Planes<uint8_t> out = planes_of(dst);
     if (all_tight(in, size.w) && all_tight(out, size.w)) size = {size.w * size.h, 1};
     const bool free = clear || apart(in, size, out, size), narrow = size.w < kNarrow;
+    if (free) put_in_order(dst, out, kernel);
     const bool read_direct = free && canonical(src), write_direct = free && canonical(dst);
     if (read_direct && write_direct && size.w >= kLeastBlock) {
         (kernels_for(size.w).*kernel)(src.p, src.stride, dst.p, dst.stride, size.w, size.h);
@@ -106,17 +140,18 @@ void convert_other(const SourcePicture &src, const DestPicture &dst, Size size, 
     }
 }
 
-void scale_picture(const SourcePicture &src, Size src_size, const DestPicture &dst, Size dst_size, KernelMember kernel,
+void scale_picture(const SourcePicture &src, Size src_size, DestPicture dst, Size dst_size, KernelMember kernel,
                    ScalingLoop loop) {
     static_assert(kStrip >= kStripColumns);
     const auto side = [](ptrdiff_t pixels) { return static_cast<int32_t>(pixels); };
     const Grid grid = grid_between(side(src_size.w), side(src_size.h), side(dst_size.w), side(dst_size.h));
     const Planes<const uint8_t> in = planes_of(src);
-    const Planes<uint8_t> out = planes_of(dst);
+    Planes<uint8_t> out = planes_of(dst);
     if (!apart(in, src_size, out, dst_size)) {
         loop(grid, src.p, src.stride, dst.p, dst.stride, dst_size.w, dst_size.h);
         return;
     }
+    put_in_order(dst, out, kernel);
     ScaledDest dest{Side<uint8_t>(dst, out, false), !canonical(dst), kernel};
     PlanesJob job{.grid = grid,
                   .part = {.x = 0, .y = 0, .w = side(dst_size.w), .h = side(dst_size.h)},

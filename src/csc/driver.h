@@ -18,8 +18,9 @@ inline const CscKernels &kernels_for(ptrdiff_t n) {
     return *set;
 }
 
-// Converts pictures that need more than a call of the kernel. `clear`: they are known to lie apart.
-void convert_other(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel, bool clear);
+// Converts pictures that need more than a call of the kernel. `clear`: they are known to lie apart. Of `dst`, the order
+// of the pointers may change.
+void convert_other(const SourcePicture &src, DestPicture &dst, Size size, KernelMember kernel, bool clear);
 
 // Converts w x h pixels, any w and h, with the outcome of the per-pixel loop: rows from the first, pixels from the
 // left, all samples of a pixel read before its first is written, in the order of the pointers. Made for each pair of
@@ -29,7 +30,7 @@ template <Layout kSource, Layout kDest>
                                        const int32_t *dst_stride, int32_t w, int32_t h, KernelMember kernel) {
     if (w < 1 || h < 1) return;
     const SourcePicture from = picture_of<const uint8_t>(kSource, src, src_stride);
-    const DestPicture to = picture_of<uint8_t>(kDest, dst, dst_stride);
+    DestPicture to = picture_of<uint8_t>(kDest, dst, dst_stride);
     const Size size{w, h};
     // Many planes against many take more comparisons than fit in here.
     constexpr bool kQuick = canonical_planes(kSource) == 1 || canonical_planes(kDest) == 1;
@@ -47,7 +48,7 @@ template <Layout kSource, Layout kDest>
 
 // Samples planes of bytes bilinearly and converts the samples, with the outcome of the per-pixel loop over the
 // destination, which is `loop`. The kernel is that of the same layouts without scaling.
-void scale_picture(const SourcePicture &src, Size src_size, const DestPicture &dst, Size dst_size, KernelMember kernel,
+void scale_picture(const SourcePicture &src, Size src_size, DestPicture dst, Size dst_size, KernelMember kernel,
                    ScalingLoop loop);
 
 }  // namespace qorv

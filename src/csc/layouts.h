@@ -52,6 +52,10 @@ struct Rgb888 {
     static constexpr Layout layout{Arrangement::kInterleaved, 0, 3, {{1, 3}, {1, 3}, {1, 3}, {}}};
     static constexpr uint8_t order[] = {0, 1, 2};
 };
+struct Bgr888 {
+    static constexpr Layout layout = Rgb888::layout;
+    static constexpr uint8_t order[] = {2, 1, 0};
+};
 struct Rgba8888 {
     static constexpr Layout layout{Arrangement::kInterleaved, 0, 4, {{1, 4}, {1, 4}, {1, 4}, {1, 4}}};
     static constexpr uint8_t order[] = {0, 1, 2, 3};

@@ -21,7 +21,7 @@ struct Neighbours {
 
     [[gnu::always_inline]] Neighbours(const Axis &axis, ptrdiff_t i)
         : first(i * axis.step >> kPositionBits << axis.shift), weight(i * axis.step >> kEighthBits & 7) {
-        second = first + (weight == 0 ? 0 : ptrdiff_t{1} << axis.shift);
+        second = first + (ptrdiff_t{weight != 0} << axis.shift);
     }
     [[gnu::always_inline]] int blend(int a, int b) const { return (8 - weight) * a + weight * b; }
 };
@@ -29,17 +29,20 @@ struct Neighbours {
 template <class Source, class Colour, class Dest>
 void scale(const Grid &grid, const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst,
            const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h) {
+    const Axis x_axis = grid.x;  // a copy, which no store to the picture can change
     RowPointers<Dest::layout, uint8_t> to(dst);
     for (ptrdiff_t y = 0; y < h; y++, to.advance(dst_stride)) {
         const Neighbours down(grid.y, y);
+        RowPointers<Source::layout, const uint8_t> upper(src), lower(src);
+        upper.advance(src_stride, down.first);
+        lower.advance(src_stride, down.second);
         for (ptrdiff_t x = 0; x < w; x++) {
-            const Neighbours across(grid.x, x);
+            const Neighbours across(x_axis, x);
             Pixels pixel{{0, 0, 0, kOpaque}};
+#pragma GCC unroll 4
             for (int i = 0; i < Source::layout.count; i++) {
-                const uint8_t *const upper = src[i] + down.first * src_stride[i];
-                const uint8_t *const lower = src[i] + down.second * src_stride[i];
-                pixel.c[i] = down.blend(across.blend(upper[across.first], upper[across.second]),
-                                        across.blend(lower[across.first], lower[across.second])) >>
+                pixel.c[i] = down.blend(across.blend(upper.p[i][across.first], upper.p[i][across.second]),
+                                        across.blend(lower.p[i][across.first], lower.p[i][across.second])) >>
                              6;
             }
             Access<Dest>::store(to.p, x, Colour::apply(pixel));
@@ -53,8 +56,9 @@ void scale(const Grid &grid, const uint8_t *const *src, const ptrdiff_t *src_str
 constinit const CscKernels csc_kernels = {
     .block = 1,
     .narrower = nullptr,
-    .reorder3 = nullptr,  // stages are for blocks
+    .reorder3 = nullptr,  // other orders of pointers are staged for blocks alone
     .reorder4 = nullptr,
+    .yuv444_to_bgr888 = nullptr,
     .drop_2_bits = convert<WordPlane, Drop2Bits, BytePlane>,
 #define QORV_KERNEL_ENTRY(name, source, colour, dest) .name = convert<source, colour, dest>,
     QORV_CSC_CONVERTERS(QORV_KERNEL_ENTRY)

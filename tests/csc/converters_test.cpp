@@ -91,7 +91,9 @@ void place(const std::vector<CscPointer> &pointers, Channels channels, Strides s
         const int32_t row = deep ? (w * step + pad) / 2 * 2 : w * step + pad;
         const int32_t unit = deep ? 2 : 1;
         const int64_t first = strides == Strides::kNegative ? int64_t{h - 1} * row : 0;
-        const int32_t place_in_pixel = channels == Channels::kReversed ? count - 1 - k : k;
+        // In reverse at odd widths alpha comes first, at even ones it stays the last.
+        const int32_t last = channels == Channels::kCanonical ? 0 : count == 4 && w % 2 == 0 ? 2 : count - 1;
+        const int32_t place_in_pixel = k <= last ? last - k : k;
         // A word pointer advances by stride >> 1 words, so its odd strides need room for one byte more or less a row.
         at.push_back(offset + (interleaved ? place_in_pixel : 0) + first + (strides == Strides::kNegative ? h : 0));
         stride.push_back((strides == Strides::kNegative ? -row : row) / unit);
