@@ -24,6 +24,8 @@ endif()
 # cycles.
 set(QORV_ISA_FLAGS_v2 -march=x86-64-v2 -Os -DQORV_SMALL_KERNELS)
 set(QORV_ISA_FLAGS_v3 -march=x86-64-v3)
+# In-order cores depend on the order that the compiler finds, the others hardly.
+set(QORV_ISA_FLAGS_neon -mtune=cortex-a55)
 set(QORV_ISA_FLAGS_dotprod -march=armv8.2-a+dotprod -DQORV_PARTIAL_SET)
 if(NOT QORV_ISAS MATCHES ";")
   set(QORV_ONLY_SET QORV_ONLY_SET)  # kernels may be the exported functions themselves
