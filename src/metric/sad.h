@@ -269,11 +269,18 @@ template <Term term>
 template <Term term>
 [[gnu::noinline]] uint32_t exact_sum(int32_t w, int32_t h, const int16_t *a, const uint8_t *b, int32_t stride_a,
                                      int32_t stride_b) {
-    int16_t widened[kMaxStrip];
+    constexpr int32_t kRows = 8, kColumns = 8;
+    int16_t widened[kRows * kMaxStrip];
     uint32_t sum = 0;
-    for (; h > 0; h--, a += stride_a, b += stride_b) {
-        for (int32_t x = 0; x < w; x++) widened[x] = b[x];
-        sum += exact_sum<term>(w, 1, a, widened, 0, 0);
+    for (; h > 0; h -= kRows, a += kRows * ptrdiff_t{stride_a}) {
+        const int32_t rows = smaller(h, kRows);
+        for (int32_t y = 0; y < rows; y++, b += stride_b) {
+            int16_t *row = widened + y * kMaxStrip;
+            int32_t x = 0;
+            for (; x <= w - kColumns; x += kColumns) store(row + x, load_widened<16>(b + x));
+            for (; x < w; x++) row[x] = b[x];
+        }
+        sum += exact_sum<term>(w, rows, a, widened, stride_a, kMaxStrip);
     }
     return sum;
 }
