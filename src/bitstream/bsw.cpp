@@ -75,6 +75,7 @@ inline void append(QORV_BSW &w, uint32_t field, int32_t n) {
     int64_t full = (left - 1) >> 63;  // a mask
     hide_origin(full);
     const intptr_t own = reinterpret_cast<intptr_t>(&w.code), next = reinterpret_cast<intptr_t>(w.cur);
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a choice without a branch
     store_big_endian(reinterpret_cast<uint8_t *>(own ^ ((own ^ next) & full)),
                      static_cast<uint32_t>(bits >> kWordBits));
     w.code = static_cast<uint32_t>(bits << (full & kWordBits) >> kWordBits);

@@ -40,8 +40,9 @@ Descriptor copy_to_temporary(Input &input, uint64_t &size) {
 
 RandomAccessFile::RandomAccessFile(Input input)
     : path_(input.path()), fd_(input.size() ? input.take_descriptor() : copy_to_temporary(input, size_)) {
-    if (!input.size()) return;
-    size_ = *input.size() - input.offset();
+    const std::optional<uint64_t> size = input.size();
+    if (!size) return;
+    size_ = *size - input.offset();
     const off_t at = lseek(fd_, 0, SEEK_CUR);
     begin_ = static_cast<uint64_t>(at) - input.buffered();
 }

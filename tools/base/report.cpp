@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cinttypes>
+#include <cmath>
 #include <cstdio>
 
 #include "tools/base/text.h"
@@ -38,7 +39,7 @@ void Progress::update(uint64_t done, std::optional<double> part) {
     const double seconds = std::chrono::duration<double>(now - start_).count();
     std::fprintf(stderr, "\r%" PRIu64 " %s, %.1f a second", done, unit_, static_cast<double>(done) / seconds);
     if (part && *part > 0) {
-        const auto left = static_cast<uint64_t>(seconds * (1 - *part) / *part + 0.5);
+        const auto left = static_cast<uint64_t>(std::llround(seconds * (1 - *part) / *part));
         std::fprintf(stderr, ", %.0f %%, %" PRIu64 ":%02" PRIu64 " left", 100 * *part, left / 60, left % 60);
     }
     std::fputs("\033[K", stderr);
