@@ -109,8 +109,8 @@ template <int Bytes>
                        d);
 }
 
-// What multiplications of bytes take: the first two bytes of each pixel side by side, and the third with whatever follows
-// it. Each lane has 8 of 16 pixels.
+// What multiplications of bytes take: the first two bytes of each pixel side by side, and the third with whatever
+// follows it. Each lane has 8 of 16 pixels.
 struct PackedPixels {
     Wide first, second;
 };

@@ -132,7 +132,7 @@ void Stage::write(const Planes<uint8_t> &picture, const Rect &r) const {
     const Plane<uint8_t> &plane = picture.plane[0];
     const Rows<uint8_t> rows{plane.at(r.x, r.y), plane.stride};
     Order order{.bytes = plane.bytes};
-    for (uint8_t k = 0; k < plane.bytes; k++) order.of[picture.place[k]] = k;
+    for (int k = 0; k < plane.bytes; k++) order.of[picture.place[k]] = static_cast<uint8_t>(k);
     uint8_t to_scatter[4 * kStrip];
     if (!order.changes()) {
         copy_rows(rows, {bytes_, r.w * plane.bytes}, r.w * plane.bytes, r.h);
