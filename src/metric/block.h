@@ -293,7 +293,7 @@ template <int Width, int MostWhole, class F>
 // Bytes to load masks from: clear(n) has n bytes of 0 and then those of 255, up to 64 together; set(n) n bytes of 255,
 // then 0, up to 32.
 struct MaskBytes {
-    uint8_t bytes[160];
+    alignas(4) uint8_t bytes[160];  // read as samples, too
     constexpr MaskBytes() : bytes() {
         for (int i = 64; i < 128; i++) bytes[i] = 255;
     }

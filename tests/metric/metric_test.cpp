@@ -188,7 +188,7 @@ TEST_P(Metric, OverlappingDiffsRunInOrder) {
             };
             const int strides[] = {stride(diff.a.bytes), stride(diff.b.bytes), stride(2)};
             const auto place = [&] { return kHalf + 2 * random.between(-w, w); };
-            const int out_row = random.between(0, 1) * random.between(0, h) * strides[0] * diff.a.bytes;
+            const int out_row = random.between(0, 1) * random.between(0, h) * strides[0] * diff.a.bytes / 2 * 2;
             const int at[] = {place(), place(), place() + out_row + round % 2 * 2 * kHalf};
             std::vector<uint8_t> area(4 * kHalf);
             std::generate(area.begin(), area.end(), [&] { return static_cast<uint8_t>(random()); });
