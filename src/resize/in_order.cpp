@@ -64,11 +64,8 @@ void resize_in_order(const ResizeJob &job, From from, To to) {
     int64_t y = job.part.y * axis.step;
     uint8_t *dst = job.dst;
     for (int32_t row = 0; row < job.part.h; row++, y += axis.step, dst += job.dst_stride) {
-        const int64_t upper = y >> kPositionBits << axis.shift;
-        const int fy = eighths(y);
-        // A row of weight 0 may not exist.
-        const int64_t lower = fy == 0 ? upper : upper + (int64_t{1} << axis.shift);
-        resize_row(job, {job.rows.row(upper), job.rows.row(lower), fy}, from, to, dst);
+        const RowNumbers rows(y, axis.shift);
+        resize_row(job, {job.rows.row(rows.upper), job.rows.row(rows.lower), rows.eighths}, from, to, dst);
     }
 }
 

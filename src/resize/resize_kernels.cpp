@@ -125,12 +125,10 @@ template <Reach R, Reach Last>
     const int bytes = 4 * columns.strip.count;
     int64_t y = job.part.y * axis.step;
     for (int32_t row = job.part.h; row > 0; row--, y += axis.step, dst += dst_stride) {
-        const int64_t upper = y >> kPositionBits << axis.shift;
-        const auto eighths = static_cast<uint16_t>(y >> kEighthBits & 7);
-        const uint8_t *const first = source.row(upper);
-        // A row of weight 0 may not exist.
-        const uint8_t *const second = eighths == 0 ? first : source.row(upper + (int64_t{1} << axis.shift));
-        reduce_row<R, Last>(RowsAcross<PixelColumns>(columns, first, second, eighths), bytes, dst);
+        const RowNumbers rows(y, axis.shift);
+        const auto eighths = static_cast<uint16_t>(rows.eighths);
+        reduce_row<R, Last>(RowsAcross<PixelColumns>(columns, source.row(rows.upper), source.row(rows.lower), eighths),
+                            bytes, dst);
     }
 }
 
@@ -163,7 +161,7 @@ void reduce_few(const ResizeJob &job, int32_t first_column, int columns, uint8_t
         right_weight[i] = static_cast<uint16_t>(x >> kEighthBits & 7);
     }
     const ptrdiff_t between = job.grid.neighbour - 1;
-    const SourceRows rows = job.rows;
+    const SourceRows source = job.rows;
     // ((8 - fx) A + fx B) of eight columns.
     const auto across = [&](const uint8_t *row) {
         const U16x8 from_left = load_words(row, left),
@@ -172,12 +170,9 @@ void reduce_few(const ResizeJob &job, int32_t first_column, int columns, uint8_t
     };
     int64_t y = job.part.y * y_axis.step;
     for (int32_t row = job.part.h; row > 0; row--, y += y_axis.step, dst += job.dst_stride) {
-        const int64_t upper = y >> kPositionBits << y_axis.shift;
-        const auto eighths = static_cast<uint16_t>(y >> kEighthBits & 7);
-        // A row of weight 0 may not exist.
-        const int64_t lower = eighths == 0 ? upper : upper + (int64_t{1} << y_axis.shift);
-        const U16x8 sums =
-            across(rows.row(upper)) * static_cast<uint16_t>(8 - eighths) + across(rows.row(lower)) * eighths;
+        const RowNumbers rows(y, y_axis.shift);
+        const U16x8 sums = across(source.row(rows.upper)) * static_cast<uint16_t>(8 - rows.eighths) +
+                           across(source.row(rows.lower)) * static_cast<uint16_t>(rows.eighths);
         const U16x8 samples = sums >> 6;
         uint8_t bytes[8];
         store(bytes, __builtin_convertvector(samples, Vec<uint8_t, 8>));

@@ -19,6 +19,18 @@ struct SourceRows {
     const uint8_t *row(int64_t number) const { return number == held ? held_row : base + (number - first) * stride; }
 };
 
+// The source rows on both sides of a position, by number, and the weight of the lower one in eighths. A row of weight 0
+// may not exist: then the upper one stands in for it.
+struct RowNumbers {
+    int64_t upper, lower;
+    int eighths;
+
+    [[gnu::always_inline]] RowNumbers(int64_t y, int32_t shift)
+        : upper(y >> kPositionBits << shift), eighths(static_cast<int>(y >> kEighthBits & 7)) {
+        lower = eighths == 0 ? upper : upper + (int64_t{1} << shift);
+    }
+};
+
 // Where the samples of a destination lie on its source: column x at x times the step of its axis, rows alike.
 struct Grid {
     Axis x, y;

@@ -108,16 +108,14 @@ public:
     bool seek(int64_t y) {
         if (y >> kEighthBits == eighth_) return false;
         eighth_ = y >> kEighthBits;
-        const int64_t upper = y >> kPositionBits << shift_;
-        lower_weight_ = static_cast<uint16_t>(y >> kEighthBits & 7);
-        // A row of weight 0 may not exist.
-        const int64_t lower = lower_weight_ == 0 ? upper : upper + (1 << shift_);
+        const RowNumbers rows(y, shift_);
+        lower_weight_ = static_cast<uint16_t>(rows.eighths);
         if (kKeepAlways || keep_) {
-            upper_sums_ = sums(upper);
-            lower_sums_ = sums(lower);
+            upper_sums_ = sums(rows.upper);
+            lower_sums_ = sums(rows.lower);
         } else {
-            upper_ = window_base(upper);
-            lower_ = window_base(lower);
+            upper_ = window_base(rows.upper);
+            lower_ = window_base(rows.lower);
         }
         return true;
     }
