@@ -290,7 +290,7 @@ does, the peer is a stand-in that the text names.
 
 `scripts/bench --report` writes this file. It installs the peers, or with `--peers new` takes Debian 13's in a folder of
 their own, builds with both compilers, runs everything (some twenty minutes, best on an idle machine) and keeps the raw
-results in `build-release/report/`. For AArch64 it counts instead of taking time, on any machine: [below](#aarch64).
+results in `build-release/report/`. For AArch64 it counts instead of taking time, on any machine.
 
 ![Ratios to the best peer](benchmarks.svg)
 
