@@ -30,9 +30,9 @@ set(QORV_ISA_FLAGS_dotprod -march=armv8.2-a+dotprod -DQORV_PARTIAL_SET)
 if(NOT QORV_ISAS MATCHES ";")
   set(QORV_ONLY_SET QORV_ONLY_SET)  # kernels may be the exported functions themselves
 endif()
-if(QORV_SANITIZE)
-  # With a check at every access, the plain set's unrolled blocks would take the compiler minutes.
-  set(QORV_ISA_FLAGS_plain -Os -DQORV_SMALL_KERNELS)
+if(NOT "plain" IN_LIST QORV_ISAS)
+  # For the tests alone, then: its unrolled blocks would take the compiler half a minute.
+  set(QORV_ISA_FLAGS_plain -DQORV_SMALL_KERNELS)
 endif()
 
 # Compile options of every source that goes into the library.

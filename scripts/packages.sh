@@ -1,6 +1,6 @@
 # Sourced by the other scripts: installs Debian packages that are missing.
 
-packages_build="g++ cmake ninja-build pkg-config googletest libgmock-dev libpng-dev libjpeg-dev libcli11-dev ffmpeg
+packages_build="g++ cmake ninja-build pkg-config googletest libgtest-dev libpng-dev libjpeg-dev libcli11-dev ffmpeg
   python3 scdoc"
 packages_bench="libbenchmark-dev libyuv-dev libswscale-dev libavutil-dev libzimg-dev libx264-dev libssl-dev
   libopencv-core-dev libopencv-imgproc-dev"
