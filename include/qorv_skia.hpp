@@ -124,7 +124,8 @@ public:
      * All elements of a container that stores them in one piece; a temporary one must outlive the view.
      * @param container  anything with data() and size().
      */
-    template <class Container, class = decltype(static_cast<T *>(std::declval<Container &>().data())),
+    template <class Container, class = std::enable_if_t<!std::is_same_v<std::decay_t<Container>, Span>>,
+              class = decltype(static_cast<T *>(std::declval<Container &>().data())),
               class = decltype(static_cast<std::size_t>(std::declval<Container &>().size()))>
     constexpr Span(Container &&container) noexcept : data_(container.data()), size_(container.size()) {}
 
