@@ -15,6 +15,8 @@ constexpr ptrdiff_t kNoStride[kMaxChannels] = {};  // of a kernel's single row
 constexpr ptrdiff_t kNarrow = 64;
 // Pixels that the loop over pixels has converted before a stage is set up.
 constexpr ptrdiff_t kFew = 4;
+// Pixels from which a part of overlapping pictures is looked at by itself.
+constexpr ptrdiff_t kLeastPart = 512;
 
 // A kernel whose destination's pointers stand at the bytes `place` of a pixel, and one that writes the same pixels in
 // canonical order.
@@ -67,10 +69,7 @@ public:
     // Where a kernel finds the pixels of a rectangle, which is part of one row if they are not staged.
     Byte *const *pointers(const Rect &rect) {
         if (staged) return stage.pointers();
-        each_pointer(picture_.layout, [&](int i) {
-            at_[i] = picture_.p[i] + rect.y * picture_.stride[i] + rect.x * picture_.layout.channels[i].step;
-            return true;
-        });
+        point_to(picture_, rect.x, rect.y, at_);
         return at_;
     }
 
@@ -111,6 +110,28 @@ void convert_one_by_one(const SourcePicture &src, const DestPicture &dst, Size s
     (pixel::csc_kernels.*kernel)(src.p, src.stride, dst.p, dst.stride, size.w, size.h);
 }
 
+// Pictures over one another, row by row: whole blocks of `set`, each of which is read before it is written, and the rest
+// pixel by pixel.
+void convert_in_blocks(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel,
+                       const CscKernels &set) {
+    const ptrdiff_t rest = size.w % set.block, whole = size.w - rest, rows = rest == 0 ? size.h : 1;
+    for (ptrdiff_t y = 0; y < size.h; y += rows) {
+        const SourcePicture from = part_from(src, 0, y);
+        const DestPicture to = part_from(dst, 0, y);
+        (set.*kernel)(from.p, from.stride, to.p, to.stride, whole, rows);
+        if (rest != 0) convert_one_by_one(part_from(from, whole, 0), part_from(to, whole, 0), {rest, 1}, kernel);
+    }
+}
+
+// One half after the other: what lies over one another as a whole may not do so in its parts.
+void convert_halves(const SourcePicture &src, DestPicture &dst, Size size, KernelMember kernel) {
+    const ptrdiff_t x = size.h > 1 ? 0 : size.w / 2, y = size.h / 2;
+    const SourcePicture second_src = part_from(src, x, y);
+    DestPicture second_dst = part_from(dst, x, y);
+    convert_other(src, dst, size.h > 1 ? Size{size.w, y} : Size{x, 1}, kernel, false);
+    convert_other(second_src, second_dst, {size.w - x, size.h - y}, kernel, false);
+}
+
 }  // namespace
 
 void convert_other(const SourcePicture &src, DestPicture &dst, Size size, KernelMember kernel, bool clear) {
@@ -118,17 +139,24 @@ void convert_other(const SourcePicture &src, DestPicture &dst, Size size, Kernel
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
     if (all_tight(in, size.w) && all_tight(out, size.w)) size = {size.w * size.h, 1};
-    const bool free = clear || apart(in, size, out, size), narrow = size.w < kNarrow;
+    const bool once = clear || written_once(out, size), free = clear || (once && apart(in, size, out, size));
+    const bool narrow = size.w < kNarrow;
     if (free) put_in_order(dst, out, kernel);
-    const bool read_direct = free && canonical(src), write_direct = free && canonical(dst);
-    if (read_direct && write_direct && size.w >= kLeastBlock) {
+    const bool read_direct = canonical(src), write_direct = canonical(dst) && once;
+    if (free && read_direct && write_direct && size.w >= kLeastBlock) {
         (kernels_for(size.w).*kernel)(src.p, src.stride, dst.p, dst.stride, size.w, size.h);
         return;
     }
-    const ptrdiff_t columns = free ? kStrip : safe_strip(in, out, size, kStrip);
-    if (columns < kLeastBlock) return convert_one_by_one(src, dst, size, kernel);
-    Side<const uint8_t> from(src, in, narrow || !read_direct);
-    Side<uint8_t> to(dst, out, narrow || !write_direct);
+    const ptrdiff_t columns = free ? kStrip : safe_strip(in, out, size, kLeastBlock, kStrip);
+    if (columns == 0) {
+        return size.w * size.h < kLeastPart ? convert_one_by_one(src, dst, size, kernel)
+                                            : convert_halves(src, dst, size, kernel);
+    }
+    if (!free && read_direct && write_direct) {
+        return convert_in_blocks(src, dst, size, kernel, kernels_for(columns));
+    }
+    Side<const uint8_t> from(src, in, !free || narrow || !read_direct);
+    Side<uint8_t> to(dst, out, !free || narrow || !write_direct);
     const ptrdiff_t rows = free && narrow ? kStrip / size.w : 1;
     for (ptrdiff_t y = 0; y < size.h; y += rows) {
         for (ptrdiff_t x = 0; x < size.w; x += columns) {
@@ -147,7 +175,7 @@ void scale_picture(const SourcePicture &src, Size src_size, DestPicture dst, Siz
     const Grid grid = grid_between(side(src_size.w), side(src_size.h), side(dst_size.w), side(dst_size.h));
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
-    if (!apart(in, src_size, out, dst_size)) {
+    if (!written_once(out, dst_size) || !apart(in, src_size, out, dst_size)) {
         loop(grid, src.p, src.stride, dst.p, dst.stride, dst_size.w, dst_size.h);
         return;
     }

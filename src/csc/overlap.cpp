@@ -69,23 +69,29 @@ bool strip_is_safe(const Planes<const uint8_t> &src, const Planes<uint8_t> &dst,
 
 }  // namespace
 
-bool apart(const Planes<const uint8_t> &src, Size src_size, const Planes<uint8_t> &dst, Size dst_size) {
+bool written_once(const Planes<uint8_t> &dst, Size size) {
     for (int i = 0; i < dst.count; i++) {
-        const Plane<uint8_t> &to = dst.plane[i];
-        if (rows_overlap(to, dst_size)) return false;
-        for (int k = i + 1; k < dst.count; k++) {
-            if (!disjoint(to, dst_size, dst.plane[k], dst_size)) return false;
-        }
-        for (int k = 0; k < src.count; k++) {
-            if (!disjoint(to, dst_size, src.plane[k], src_size)) return false;
+        if (rows_overlap(dst.plane[i], size)) return false;
+        for (int k = 0; k < i; k++) {
+            if (!disjoint(dst.plane[i], size, dst.plane[k], size)) return false;
         }
     }
     return true;
 }
 
-ptrdiff_t safe_strip(const Planes<const uint8_t> &src, const Planes<uint8_t> &dst, Size size, ptrdiff_t most) {
-    if (most > size.w) most = size.w;
-    while (most > 1 && !strip_is_safe(src, dst, size, most)) most /= 2;
+bool apart(const Planes<const uint8_t> &src, Size src_size, const Planes<uint8_t> &dst, Size dst_size) {
+    for (int i = 0; i < dst.count; i++) {
+        for (int k = 0; k < src.count; k++) {
+            if (!disjoint(dst.plane[i], dst_size, src.plane[k], src_size)) return false;
+        }
+    }
+    return true;
+}
+
+ptrdiff_t safe_strip(const Planes<const uint8_t> &src, const Planes<uint8_t> &dst, Size size, ptrdiff_t least,
+                     ptrdiff_t most) {
+    if (!strip_is_safe(src, dst, size, least)) return 0;
+    while (most > least && !strip_is_safe(src, dst, size, most)) most /= 2;
     return most;
 }
 

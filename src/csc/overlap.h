@@ -25,7 +25,10 @@ template <class Byte>
     return {first, first + plane.stride * (size.h - 1) + plane.row_bytes(size.w)};
 }
 
-// Whether no byte of the destination is written twice or lies in the source: then the order of pixels is free.
+// Whether no byte of the destination is written twice.
+bool written_once(const Planes<uint8_t> &dst, Size size);
+
+// Whether no byte of the destination lies in the source. Then, and if none is written twice, the order of pixels is free.
 bool apart(const Planes<const uint8_t> &src, Size src_size, const Planes<uint8_t> &dst, Size dst_size);
 
 // The same of canonical pictures of one size, in a few instructions: "no" may be wrong. Rows must follow one another
@@ -52,8 +55,9 @@ bool apart(const Planes<const uint8_t> &src, Size src_size, const Planes<uint8_t
     return true;
 }
 
-// Pixels of a row, `most` or fewer, that may all be read before they are written, plane by plane from the last to the
-// first, with the outcome of the per-pixel loop. Both pictures are of one size.
-ptrdiff_t safe_strip(const Planes<const uint8_t> &src, const Planes<uint8_t> &dst, Size size, ptrdiff_t most);
+// Pixels of a row, from `least` to `most`, that may all be read before they are written, plane by plane from the last
+// to the first, with the outcome of the per-pixel loop; so may any fewer. 0: not so many. Both pictures are of one size. `most` is `least` times a power of two.
+ptrdiff_t safe_strip(const Planes<const uint8_t> &src, const Planes<uint8_t> &dst, Size size, ptrdiff_t least,
+                     ptrdiff_t most);
 
 }  // namespace qorv

@@ -42,6 +42,23 @@ template <class Byte, class Pointer>
     return picture;
 }
 
+// Where pixel (x, y) lies, pointer by pointer.
+template <class Byte>
+[[gnu::always_inline]] inline void point_to(const Picture<Byte> &picture, ptrdiff_t x, ptrdiff_t y, Byte **p) {
+    each_pointer(picture.layout, [&](int i) {
+        p[i] = picture.p[i] + y * picture.stride[i] + x * picture.layout.channels[i].step;
+        return true;
+    });
+}
+
+// What is right of and below pixel (x, y), that pixel included.
+template <class Byte>
+[[gnu::always_inline]] inline Picture<Byte> part_from(const Picture<Byte> &picture, ptrdiff_t x, ptrdiff_t y) {
+    Picture<Byte> part = picture;
+    point_to(picture, x, y, part.p);
+    return part;
+}
+
 // Whether kernels can work on the picture where it lies.
 template <class Byte>
 [[gnu::always_inline]] inline bool canonical(const Picture<Byte> &picture) {

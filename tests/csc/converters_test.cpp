@@ -199,12 +199,12 @@ Placement overlapping(const CscCase &c, Over over, int64_t middle, Random &rando
 
 TEST_P(Converters, OverlapGivesThePerPixelOutcome) {
     Random random(2);
-    constexpr int32_t kSpan = 12000;
+    constexpr int32_t kSpan = 14000;
     for (const CscCase &c : csc_cases()) {
         for (int round = 0; round < 200; round++) {
             const auto over = static_cast<Over>(round % 5);
             const bool wide = round % 2 == 0 && over != Over::kInPlace;
-            const int32_t w = random.between(1, wide ? 600 : 90), h = random.between(1, 3);
+            const int32_t w = random.between(1, wide ? 600 : 90), h = random.between(1, round % 4 == 0 ? 8 : 3);
             const Placement placement = overlapping(c, over, kSpan / 2, random);
             ASSERT_NO_FATAL_FAILURE(expect_same(c, placement, kSpan, w, h, random)) << "round " << round;
         }
