@@ -10,9 +10,9 @@
 namespace qorv {
 
 // Converts `h` rows of `w` pixels, w >= CscKernels::block. Interleaved channels are in canonical arrangement, scattered
-// ones packed, no destination overlaps anything: the driver sees to that. Strides are in bytes.
-using CscKernel = void (*)(const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst,
-                           const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
+// ones packed, no destination overlaps anything: the driver sees to that. Strides are those of a converter.
+using CscKernel = void (*)(const void *const *src, const int32_t *src_stride, void *const *dst,
+                           const int32_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
 
 // Copies `n` pixels, each with its bytes in another order: byte k is byte order[k] of the source's pixel.
 using ReorderKernel = void (*)(const uint8_t *src, uint8_t *dst, const uint8_t *order, ptrdiff_t n);

@@ -9,7 +9,7 @@ namespace qorv {
 
 namespace {
 
-constexpr ptrdiff_t kNoStride[kMaxChannels] = {};  // of a kernel's single row
+constexpr int32_t kNoStride[kMaxChannels] = {};  // of a kernel's single row
 
 // Columns below which rows are gathered into one strip.
 constexpr ptrdiff_t kNarrow = 64;
@@ -33,33 +33,35 @@ constexpr OtherOrder kOtherOrders[] = {
     {&CscKernels::r8g8b8a8_to_rgba8888, {2, 1, 0, 3}, &CscKernels::r8g8b8a8_to_bgra8888},
 };
 
-// Puts the pointers of a packed destination into canonical order where there is a kernel that writes the same. No pixel
-// may be written twice: then the order within one does not count.
-void put_in_order(DestPicture &dst, Planes<uint8_t> &planes, KernelMember &kernel) {
-    if (!planes.packed) return;
+// Puts the pointers of a packed destination into canonical order, in `ordered`, where there is a kernel that writes the
+// same. No pixel may be written twice: then the order within one does not count.
+void put_in_order(DestPicture &dst, Planes<uint8_t> &planes, KernelMember &kernel, void **ordered) {
+    if (!planes.reordered) return;
 #pragma GCC unroll 1
     for (const OtherOrder &other : kOtherOrders) {
         if (other.kernel != kernel || memcmp(other.place, planes.place, sizeof other.place) != 0) continue;
         kernel = other.same;
-        for (uint8_t k = 0; k < dst.layout.count; k++) {
-            planes.place[k] = k;
-            dst.p[k] = planes.plane[0].p + k;
-        }
+        for (int k = 0; k < dst.layout.count; k++) ordered[k] = planes.plane[0].p + k;
+        dst.p = ordered;
+        planes.canonical = true;
+        planes.reordered = false;
         return;
     }
 }
 
 // Converts one row of `n` pixels, or a whole block of which they are part.
-void convert_row(KernelMember kernel, const uint8_t *const *from, uint8_t *const *to, ptrdiff_t n) {
+void convert_row(KernelMember kernel, const void *const *from, void *const *to, ptrdiff_t n) {
     if (n < kLeastBlock) n = kLeastBlock;
     (kernels_for(n).*kernel)(from, kNoStride, to, kNoStride, n, 1);
 }
 
 // One of the two pictures, and where kernels meet its pixels: in the picture itself, or on a stage.
-template <class Byte>
+template <class Void>
 class Side {
 public:
-    Side(const Picture<Byte> &picture, const Planes<Byte> &planes_of_it, bool on_stage)
+    using Byte = typename Picture<Void>::Byte;
+
+    Side(const Picture<Void> &picture, const Planes<Byte> &planes_of_it, bool on_stage)
         : planes(planes_of_it), staged(on_stage), stage(picture.layout), picture_(picture) {}
 
     const Planes<Byte> &planes;
@@ -67,18 +69,18 @@ public:
     Stage stage;
 
     // Where a kernel finds the pixels of a rectangle, which is part of one row if they are not staged.
-    Byte *const *pointers(const Rect &rect) {
+    Void *const *pointers(const Rect &rect) {
         if (staged) return stage.pointers();
         point_to(picture_, rect.x, rect.y, at_);
         return at_;
     }
 
 private:
-    const Picture<Byte> &picture_;
-    Byte *at_[kMaxChannels] = {};
+    const Picture<Void> &picture_;
+    Void *at_[kMaxChannels];
 };
 
-void convert_rect(Side<const uint8_t> &in, Side<uint8_t> &out, const Rect &rect, KernelMember kernel) {
+void convert_rect(Side<const void> &in, Side<void> &out, const Rect &rect, KernelMember kernel) {
     if (in.staged) in.stage.read(in.planes, rect);
     convert_row(kernel, in.pointers(rect), out.pointers(rect), rect.w * rect.h);
     if (out.staged) out.stage.write(out.planes, rect);
@@ -86,28 +88,20 @@ void convert_rect(Side<const uint8_t> &in, Side<uint8_t> &out, const Rect &rect,
 
 // Where the sampled rows of a scaling converter go.
 struct ScaledDest {
-    Side<uint8_t> out;
+    Side<void> out;
     bool rearranged;
     KernelMember kernel;
 
-    void take(const uint8_t *const *samples, const Rect &rect) {
+    void take(const void *const *samples, const Rect &rect) {
         out.staged = rearranged || rect.w < kLeastBlock;
         convert_row(kernel, samples, out.pointers(rect), rect.w);
         if (out.staged) out.stage.write(out.planes, rect);
     }
 };
 
-template <class Byte>
-bool all_tight(const Planes<Byte> &planes, ptrdiff_t w) {
-    for (int i = 0; i < planes.count; i++) {
-        if (planes.plane[i].stride != w * planes.plane[i].step) return false;
-    }
-    return true;
-}
-
 // The loop over pixels, where order counts for all of them.
 void convert_one_by_one(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
-    (pixel::csc_kernels.*kernel)(src.p, src.stride, dst.p, dst.stride, size.w, size.h);
+    (pixel::csc_kernels.*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h);
 }
 
 // Pictures over one another, row by row: whole blocks of `set`, each of which is read before it is written, and the rest
@@ -116,35 +110,34 @@ void convert_in_blocks(const SourcePicture &src, const DestPicture &dst, Size si
                        const CscKernels &set) {
     const ptrdiff_t rest = size.w % set.block, whole = size.w - rest, rows = rest == 0 ? size.h : 1;
     for (ptrdiff_t y = 0; y < size.h; y += rows) {
-        const SourcePicture from = part_from(src, 0, y);
-        const DestPicture to = part_from(dst, 0, y);
-        (set.*kernel)(from.p, from.stride, to.p, to.stride, whole, rows);
-        if (rest != 0) convert_one_by_one(part_from(from, whole, 0), part_from(to, whole, 0), {rest, 1}, kernel);
+        const PartFrom from(src, 0, y);
+        const PartFrom to(dst, 0, y);
+        (set.*kernel)(from.picture.p, src.strides, to.picture.p, dst.strides, whole, rows);
+        if (rest == 0) return;
+        convert_one_by_one(PartFrom(src, whole, y).picture, PartFrom(dst, whole, y).picture, {rest, 1}, kernel);
     }
 }
 
+void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel, bool clear);
+
 // One half after the other: what lies over one another as a whole may not do so in its parts.
-void convert_halves(const SourcePicture &src, DestPicture &dst, Size size, KernelMember kernel) {
+void convert_halves(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
     const ptrdiff_t x = size.h > 1 ? 0 : size.w / 2, y = size.h / 2;
-    const SourcePicture second_src = part_from(src, x, y);
-    DestPicture second_dst = part_from(dst, x, y);
-    convert_other(src, dst, size.h > 1 ? Size{size.w, y} : Size{x, 1}, kernel, false);
-    convert_other(second_src, second_dst, {size.w - x, size.h - y}, kernel, false);
+    convert(src, dst, size.h > 1 ? Size{size.w, y} : Size{x, 1}, kernel, false);
+    convert(PartFrom(src, x, y).picture, PartFrom(dst, x, y).picture, {size.w - x, size.h - y}, kernel, false);
 }
 
-}  // namespace
-
-void convert_other(const SourcePicture &src, DestPicture &dst, Size size, KernelMember kernel, bool clear) {
+void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel, bool clear) {
     if (size.w * size.h <= kFew) return convert_one_by_one(src, dst, size, kernel);
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
-    if (all_tight(in, size.w) && all_tight(out, size.w)) size = {size.w * size.h, 1};
     const bool once = clear || written_once(out, size), free = clear || (once && apart(in, size, out, size));
     const bool narrow = size.w < kNarrow;
-    if (free) put_in_order(dst, out, kernel);
-    const bool read_direct = canonical(src), write_direct = canonical(dst) && once;
+    void *ordered[kMaxChannels];
+    if (free) put_in_order(dst, out, kernel, ordered);
+    const bool read_direct = in.canonical, write_direct = out.canonical && once;
     if (free && read_direct && write_direct && size.w >= kLeastBlock) {
-        (kernels_for(size.w).*kernel)(src.p, src.stride, dst.p, dst.stride, size.w, size.h);
+        (kernels_for(size.w).*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h);
         return;
     }
     const ptrdiff_t columns = free ? kStrip : safe_strip(in, out, size, kLeastBlock, kStrip);
@@ -155,8 +148,8 @@ void convert_other(const SourcePicture &src, DestPicture &dst, Size size, Kernel
     if (!free && read_direct && write_direct) {
         return convert_in_blocks(src, dst, size, kernel, kernels_for(columns));
     }
-    Side<const uint8_t> from(src, in, !free || narrow || !read_direct);
-    Side<uint8_t> to(dst, out, !free || narrow || !write_direct);
+    Side<const void> from(src, in, !free || narrow || !read_direct);
+    Side<void> to(dst, out, !free || narrow || !write_direct);
     const ptrdiff_t rows = free && narrow ? kStrip / size.w : 1;
     for (ptrdiff_t y = 0; y < size.h; y += rows) {
         for (ptrdiff_t x = 0; x < size.w; x += columns) {
@@ -168,6 +161,13 @@ void convert_other(const SourcePicture &src, DestPicture &dst, Size size, Kernel
     }
 }
 
+}  // namespace
+
+void convert_other(const Layouts &layouts, const void *const *src, const int32_t *src_stride, void *const *dst,
+                   const int32_t *dst_stride, Size size, KernelMember kernel, bool clear) {
+    convert({layouts.src, src, src_stride}, {layouts.dst, dst, dst_stride}, size, kernel, clear);
+}
+
 void scale_picture(const SourcePicture &src, Size src_size, DestPicture dst, Size dst_size, KernelMember kernel,
                    ScalingLoop loop) {
     static_assert(kStrip >= kStripColumns);
@@ -176,21 +176,22 @@ void scale_picture(const SourcePicture &src, Size src_size, DestPicture dst, Siz
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
     if (!written_once(out, dst_size) || !apart(in, src_size, out, dst_size)) {
-        loop(grid, src.p, src.stride, dst.p, dst.stride, dst_size.w, dst_size.h);
+        loop(grid, src.p, src.strides, dst.p, dst.strides, dst_size.w, dst_size.h);
         return;
     }
-    put_in_order(dst, out, kernel);
-    ScaledDest dest{Side<uint8_t>(dst, out, false), !canonical(dst), kernel};
+    void *ordered[kMaxChannels];
+    put_in_order(dst, out, kernel, ordered);
+    ScaledDest dest{Side<void>(dst, out, false), !out.canonical, kernel};
     PlanesJob job{.grid = grid,
                   .part = {.x = 0, .y = 0, .w = side(dst_size.w), .h = side(dst_size.h)},
                   .planes = src.layout.count,
                   .rows = {},
                   .take =
-                      [](void *context, const uint8_t *const *samples, int32_t x, int32_t n, int32_t y) {
+                      [](void *context, const void *const *samples, int32_t x, int32_t n, int32_t y) {
                           static_cast<ScaledDest *>(context)->take(samples, {x, y, n, 1});
                       },
                   .context = &dest};
-    for (int i = 0; i < job.planes; i++) job.rows[i] = {src.p[i], src.stride[i], 0, -1, nullptr};
+    for (int i = 0; i < job.planes; i++) job.rows[i] = {src.at(i), src.stride(i), 0, -1, nullptr};
     active.resize->planes(job);
 }
 

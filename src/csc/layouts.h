@@ -1,6 +1,7 @@
 // Where a pixel's samples lie: the layouts that converters read and write.
 #pragma once
 
+#include <stddef.h>
 #include <stdint.h>
 
 namespace qorv {
@@ -31,10 +32,10 @@ struct Layout {
         return arrangement == Arrangement::kScattered ? c.bytes : c.step;
     }
     // Bytes between rows: a plane of words whose stride is in bytes advances by whole words.
-    constexpr int64_t row_bytes(int channel, int32_t stride) const {
+    [[gnu::always_inline]] constexpr ptrdiff_t row_bytes(int channel, int32_t stride) const {
         const int bytes = channels[channel].bytes;
-        if (stride_in_samples) return int64_t{stride} * bytes;
-        return bytes == 2 ? stride & ~int64_t{1} : stride;
+        if (stride_in_samples) return ptrdiff_t{stride} * bytes;
+        return bytes == 2 ? stride & ~ptrdiff_t{1} : stride;
     }
 };
 

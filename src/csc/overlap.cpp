@@ -11,13 +11,19 @@ bool clear_in_period(intptr_t offset, intptr_t bytes_a, intptr_t bytes_b, intptr
     return offset >= bytes_a && offset + bytes_b <= period;
 }
 
+// From a plane's first byte to its end, as numbers: planes may belong to different objects.
+struct Extent {
+    intptr_t first, end;
+};
+
 template <class Byte>
 Extent extent_of(Plane<Byte> plane, Size size) {
     if (plane.stride < 0) {
         plane.p = plane.at(0, size.h - 1);
         plane.stride = -plane.stride;
     }
-    return upward_extent(plane, size);
+    const auto first = reinterpret_cast<intptr_t>(plane.p);
+    return {first, first + plane.stride * (size.h - 1) + plane.row_bytes(size.w)};
 }
 
 bool rows_overlap(const Plane<uint8_t> &plane, Size size) {
@@ -27,7 +33,8 @@ bool rows_overlap(const Plane<uint8_t> &plane, Size size) {
 
 template <class A, class B>
 bool disjoint(const Plane<A> &a, Size a_size, const Plane<B> &b, Size b_size) {
-    if (!meet(extent_of(a, a_size), extent_of(b, b_size))) return true;
+    const Extent of_a = extent_of(a, a_size), of_b = extent_of(b, b_size);
+    if (of_a.first >= of_b.end || of_b.first >= of_a.end) return true;
     if (a.stride != b.stride || a.stride == 0) return false;
     // Side by side in one larger picture, or different bytes of its pixels.
     const intptr_t offset = reinterpret_cast<intptr_t>(b.p) - reinterpret_cast<intptr_t>(a.p);

@@ -9,47 +9,43 @@ struct Size {
     ptrdiff_t w, h;  // both at least 1
 };
 
-// From a plane's first byte to its end, as numbers: planes may belong to different objects.
-struct Extent {
-    intptr_t first, end;
-};
-
-[[gnu::always_inline]] inline bool meet(const Extent &a, const Extent &b) {
-    return a.first < b.end && b.first < a.end;
-}
-
-// Of a plane whose rows lie at rising addresses.
-template <class Byte>
-[[gnu::always_inline]] inline Extent upward_extent(const Plane<Byte> &plane, Size size) {
-    const auto first = reinterpret_cast<intptr_t>(plane.p);
-    return {first, first + plane.stride * (size.h - 1) + plane.row_bytes(size.w)};
-}
-
 // Whether no byte of the destination is written twice.
 bool written_once(const Planes<uint8_t> &dst, Size size);
 
 // Whether no byte of the destination lies in the source. Then, and if none is written twice, the order of pixels is free.
 bool apart(const Planes<const uint8_t> &src, Size src_size, const Planes<uint8_t> &dst, Size dst_size);
 
-// The same of canonical pictures of one size, in a few instructions: "no" may be wrong. Rows must follow one another
-// upwards, and the source's planes are taken together.
+// Whether two runs of bytes share one: `a` bytes, and `b` bytes that begin `ahead` of these.
+[[gnu::always_inline]] inline bool runs_meet(intptr_t ahead, ptrdiff_t a, ptrdiff_t b) {
+    return static_cast<uintptr_t>(ahead + b - 1) < static_cast<uintptr_t>(a + b - 1);
+}
+
+// Bytes from the first of a canonical plane to its last, if all planes have one stride and their rows follow one
+// another upwards; else 0.
+template <class Void>
+[[gnu::always_inline]] inline ptrdiff_t even_bytes(const Picture<Void> &picture, Size size) {
+    const int first = picture.layout.first;
+    const ptrdiff_t row = size.w * picture.layout.channels[first].step;
+    if (size.h == 1) return row;
+    const ptrdiff_t stride = picture.stride(first);
+    return one_stride(picture) && stride >= row ? (size.h - 1) * stride + row : 0;
+}
+
+// The same as `written_once` and `apart` of canonical pictures of one size, in a few instructions: "no" may be wrong.
 [[gnu::always_inline]] inline bool clearly_apart(const SourcePicture &src, const DestPicture &dst, Size size) {
-    Extent all{INTPTR_MAX, 0};
-#pragma GCC unroll 4
-    for (int i = 0; i < canonical_planes(src.layout); i++) {
-        const Plane<const uint8_t> plane = canonical_plane(src, i);
-        if (plane.stride < size.w * plane.step) return false;
-        const Extent extent = upward_extent(plane, size);
-        if (extent.first < all.first) all.first = extent.first;
-        if (extent.end > all.end) all.end = extent.end;
-    }
+    const ptrdiff_t src_bytes = even_bytes(src, size), dst_bytes = even_bytes(dst, size);
+    if (src_bytes == 0 || dst_bytes == 0) return false;
+    const auto address = [](const auto &picture, int i) { return reinterpret_cast<intptr_t>(picture.p[i]); };
 #pragma GCC unroll 4
     for (int i = 0; i < canonical_planes(dst.layout); i++) {
-        const Plane<uint8_t> plane = canonical_plane(dst, i);
-        if (plane.stride < size.w * plane.step || meet(upward_extent(plane, size), all)) return false;
+        const intptr_t to = address(dst, i);
+#pragma GCC unroll 4
+        for (int k = 0; k < canonical_planes(src.layout); k++) {
+            if (runs_meet(address(src, k) - to, dst_bytes, src_bytes)) return false;
+        }
 #pragma GCC unroll 4
         for (int k = 0; k < i; k++) {
-            if (meet(upward_extent(plane, size), upward_extent(canonical_plane(dst, k), size))) return false;
+            if (runs_meet(address(dst, k) - to, dst_bytes, dst_bytes)) return false;
         }
     }
     return true;

@@ -8,15 +8,32 @@
 
 namespace qorv {
 
-// Channel or plane pointers of one picture with their strides in bytes.
-template <class Byte>
-struct Picture {
-    const Layout &layout;
-    Byte *p[kMaxChannels];
-    ptrdiff_t stride[kMaxChannels];
+template <class Void>
+struct BytesOf {
+    using Type = uint8_t;
 };
-using SourcePicture = Picture<const uint8_t>;
-using DestPicture = Picture<uint8_t>;
+template <>
+struct BytesOf<const void> {
+    using Type = const uint8_t;
+};
+
+// Channel or plane pointers of one picture and their strides, as converters take them.
+template <class Void>
+struct Picture {
+    using Byte = typename BytesOf<Void>::Type;
+
+    const Layout &layout;
+    Void *const *p;
+    const int32_t *strides;
+
+    // In bytes.
+    [[gnu::always_inline]] ptrdiff_t stride(int i) const { return layout.row_bytes(i, strides[i]); }
+    [[gnu::always_inline]] Byte *at(int i, ptrdiff_t x = 0, ptrdiff_t y = 0) const {
+        return static_cast<Byte *>(p[i]) + y * stride(i) + x * layout.channels[i].step;
+    }
+};
+using SourcePicture = Picture<const void>;
+using DestPicture = Picture<void>;
 
 // The functions below are inlined: with a layout that is known, not much of them is left.
 
@@ -30,50 +47,50 @@ template <class F>
     return true;
 }
 
-template <class Byte, class Pointer>
-[[gnu::always_inline]] inline Picture<Byte> picture_of(const Layout &layout, Pointer const *pointers,
-                                                       const int32_t *stride) {
-    Picture<Byte> picture{layout, {}, {}};
-    each_pointer(layout, [&](int i) {
-        picture.p[i] = static_cast<Byte *>(pointers[i]);
-        picture.stride[i] = layout.row_bytes(i, stride[i]);
-        return true;
-    });
-    return picture;
-}
-
 // Where pixel (x, y) lies, pointer by pointer.
-template <class Byte>
-[[gnu::always_inline]] inline void point_to(const Picture<Byte> &picture, ptrdiff_t x, ptrdiff_t y, Byte **p) {
-    each_pointer(picture.layout, [&](int i) {
-        p[i] = picture.p[i] + y * picture.stride[i] + x * picture.layout.channels[i].step;
-        return true;
-    });
+template <class Void>
+[[gnu::always_inline]] inline void point_to(const Picture<Void> &picture, ptrdiff_t x, ptrdiff_t y, Void **p) {
+    each_pointer(picture.layout, [&](int i) { return p[i] = picture.at(i, x, y), true; });
 }
 
-// What is right of and below pixel (x, y), that pixel included.
-template <class Byte>
-[[gnu::always_inline]] inline Picture<Byte> part_from(const Picture<Byte> &picture, ptrdiff_t x, ptrdiff_t y) {
-    Picture<Byte> part = picture;
-    point_to(picture, x, y, part.p);
-    return part;
+// What is right of and below pixel (x, y) of a picture, that pixel included.
+template <class Void>
+class PartFrom {
+public:
+    PartFrom(const Picture<Void> &whole, ptrdiff_t x, ptrdiff_t y) : picture{whole.layout, p_, whole.strides} {
+        point_to(whole, x, y, p_);
+    }
+    PartFrom(const PartFrom &) = delete;
+
+private:
+    Void *p_[kMaxChannels];
+
+public:
+    const Picture<Void> picture;
+};
+
+template <class Void>
+[[gnu::always_inline]] inline bool one_stride(const Picture<Void> &picture) {
+    return each_pointer(picture.layout,
+                        [&](int i) { return picture.strides[i] == picture.strides[picture.layout.first]; });
 }
 
 // Whether kernels can work on the picture where it lies.
-template <class Byte>
-[[gnu::always_inline]] inline bool canonical(const Picture<Byte> &picture) {
-    const Layout &layout = picture.layout;
-    if (layout.arrangement == Arrangement::kPlanar) return true;
-    return layout.arrangement == Arrangement::kInterleaved && each_pointer(layout, [&](int i) {
-               return picture.p[i] == picture.p[0] + i && picture.stride[i] == picture.stride[0];
-           });
+template <class Void>
+[[gnu::always_inline]] inline bool canonical(const Picture<Void> &picture) {
+    if (picture.layout.arrangement == Arrangement::kPlanar) return true;
+    return picture.layout.arrangement == Arrangement::kInterleaved && one_stride(picture) &&
+           each_pointer(picture.layout, [&](int i) { return picture.at(i) == picture.at(0) + i; });
 }
 
 // Whether rows of `w` pixels lie one directly after the other.
-template <class Byte>
-[[gnu::always_inline]] inline bool tight(const Picture<Byte> &picture, ptrdiff_t w) {
-    return each_pointer(picture.layout,
-                        [&](int i) { return picture.stride[i] == w * picture.layout.channels[i].step; });
+template <class Void>
+[[gnu::always_inline]] inline bool tight(const Picture<Void> &picture, ptrdiff_t w) {
+    const Layout &layout = picture.layout;
+    const bool one_step =
+        each_pointer(layout, [&](int i) { return layout.channels[i].step == layout.channels[layout.first].step; });
+    const auto whole = [&](int i) { return picture.stride(i) == w * layout.channels[i].step; };
+    return one_step ? one_stride(picture) && whole(layout.first) : each_pointer(layout, whole);
 }
 
 // What one pointer, or one group of interleaved pointers, reaches: `bytes` of every pixel, `step` bytes apart.
@@ -92,23 +109,19 @@ struct Plane {
 [[gnu::always_inline]] constexpr int canonical_planes(const Layout &layout) {
     return layout.arrangement == Arrangement::kInterleaved ? 1 : layout.count;
 }
-template <class Byte>
-[[gnu::always_inline]] inline Plane<Byte> canonical_plane(const Picture<Byte> &picture, int i) {
-    const int step = picture.layout.channels[i].step;
-    return {picture.p[i], picture.stride[i], step, step};
-}
 
 template <class Byte>
 struct Planes {
     int count;
     Plane<Byte> plane[kMaxChannels];
-    // Of a packed picture, which is one plane: pointer k stands at byte place[k] of a pixel.
-    bool packed;
+    bool canonical;
+    // One plane of packed pixels, in which pointer k stands at byte place[k] rather than k.
+    bool reordered;
     uint8_t place[kMaxChannels];
 };
 
-template <class Byte>
-Planes<Byte> planes_of(const Picture<Byte> &picture);
+template <class Void>
+Planes<typename Picture<Void>::Byte> planes_of(const Picture<Void> &picture);
 
 extern template Planes<const uint8_t> planes_of(const SourcePicture &);
 extern template Planes<uint8_t> planes_of(const DestPicture &);

@@ -27,8 +27,8 @@ struct Neighbours {
 };
 
 template <class Source, class Colour, class Dest>
-void scale(const Grid &grid, const uint8_t *const *src, const ptrdiff_t *src_stride, uint8_t *const *dst,
-           const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h) {
+void scale(const Grid &grid, const void *const *src, const int32_t *src_stride, void *const *dst,
+           const int32_t *dst_stride, ptrdiff_t w, ptrdiff_t h) {
     const Axis x_axis = grid.x;  // a copy, which no store to the picture can change
     RowPointers<Dest::layout, uint8_t> to(dst);
     for (ptrdiff_t y = 0; y < h; y++, to.advance(dst_stride)) {

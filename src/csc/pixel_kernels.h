@@ -8,8 +8,8 @@ namespace qorv {
 struct Grid;
 
 // Converts pixel by pixel what is sampled of planes of bytes. Sizes are the destination's.
-using ScalingLoop = void (*)(const Grid &grid, const uint8_t *const *src, const ptrdiff_t *src_stride,
-                             uint8_t *const *dst, const ptrdiff_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
+using ScalingLoop = void (*)(const Grid &grid, const void *const *src, const int32_t *src_stride, void *const *dst,
+                             const int32_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
 
 struct ScalingLoops {
 #define QORV_KERNEL_MEMBER(name, source, colour, dest) ScalingLoop name;

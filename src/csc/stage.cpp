@@ -73,12 +73,6 @@ struct Order {
     uint8_t of[kMaxChannels] = {};
     int bytes;
 
-    bool changes() const {
-        for (int k = 0; k < bytes; k++) {
-            if (of[k] != k) return true;
-        }
-        return false;
-    }
     void copy(uint8_t *to, const uint8_t *from, ptrdiff_t n) const {
         (bytes == 3 ? active.csc->reorder3 : active.csc->reorder4)(from, to, of, n);
     }
@@ -95,11 +89,11 @@ Stage::Stage(const Layout &layout) : layout_(layout) {
 }
 
 void Stage::read(const Planes<const uint8_t> &picture, const Rect &r) {
-    if (!picture.packed) {
+    if (!picture.reordered) {
         for (int k = 0; k < picture.count; k++) {
             const Plane<const uint8_t> &plane = picture.plane[k];
             const int i = layout_.first + k, step = layout_.kernel_step(i);
-            copy_plane({p_[i], r.w * step}, {plane.at(r.x, r.y), plane.stride},
+            copy_plane({static_cast<uint8_t *>(p_[i]), r.w * step}, {plane.at(r.x, r.y), plane.stride},
                        {plane.bytes, step, plane.step, r.w, r.h});
         }
         return;
@@ -109,9 +103,7 @@ void Stage::read(const Planes<const uint8_t> &picture, const Rect &r) {
     Order order{.bytes = plane.bytes};
     for (int k = 0; k < plane.bytes; k++) order.of[k] = picture.place[k];
     uint8_t gathered[4 * kStrip];
-    if (!order.changes()) {
-        copy_rows({bytes_, r.w * plane.bytes}, rows, r.w * plane.bytes, r.h);
-    } else if (r.h == 1) {
+    if (r.h == 1) {
         order.copy(bytes_, rows.p, r.w);
     } else {
         copy_rows({gathered, r.w * plane.bytes}, rows, r.w * plane.bytes, r.h);
@@ -120,11 +112,11 @@ void Stage::read(const Planes<const uint8_t> &picture, const Rect &r) {
 }
 
 void Stage::write(const Planes<uint8_t> &picture, const Rect &r) const {
-    if (!picture.packed) {
+    if (!picture.reordered) {
         for (int k = picture.count - 1; k >= 0; k--) {
             const Plane<uint8_t> &plane = picture.plane[k];
             const int i = layout_.first + k, step = layout_.kernel_step(i);
-            copy_plane({plane.at(r.x, r.y), plane.stride}, {p_[i], r.w * step},
+            copy_plane({plane.at(r.x, r.y), plane.stride}, {static_cast<const uint8_t *>(p_[i]), r.w * step},
                        {plane.bytes, plane.step, step, r.w, r.h});
         }
         return;
@@ -134,9 +126,7 @@ void Stage::write(const Planes<uint8_t> &picture, const Rect &r) const {
     Order order{.bytes = plane.bytes};
     for (int k = 0; k < plane.bytes; k++) order.of[picture.place[k]] = static_cast<uint8_t>(k);
     uint8_t to_scatter[4 * kStrip];
-    if (!order.changes()) {
-        copy_rows(rows, {bytes_, r.w * plane.bytes}, r.w * plane.bytes, r.h);
-    } else if (r.h == 1) {
+    if (r.h == 1) {
         order.copy(rows.p, bytes_, r.w);
     } else {
         order.copy(to_scatter, bytes_, r.w * r.h);

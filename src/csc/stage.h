@@ -19,14 +19,14 @@ class Stage {
 public:
     explicit Stage(const Layout &layout);
 
-    uint8_t *const *pointers() const { return p_; }
+    void *const *pointers() const { return p_; }
     void read(const Planes<const uint8_t> &picture, const Rect &rect);
     // Plane by plane, from the last to the first.
     void write(const Planes<uint8_t> &picture, const Rect &rect) const;
 
 private:
     const Layout &layout_;
-    uint8_t *p_[kMaxChannels] = {};
+    void *p_[kMaxChannels] = {};
     uint8_t bytes_[3 * 2 * kStrip];  // the widest layout is three planes of words
 };
 

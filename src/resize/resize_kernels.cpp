@@ -226,7 +226,7 @@ void sample_strip(const PlanesJob &job, const Columns<BytePixel<1>, 1> &columns,
                                                    {columns, job.rows[2], axis},
                                                    {columns, job.rows[3], axis}};
     uint8_t samples[kMaxPlanes][kStripColumns];
-    const uint8_t *const rows[kMaxPlanes] = {samples[0], samples[1], samples[2], samples[3]};
+    const void *const rows[kMaxPlanes] = {samples[0], samples[1], samples[2], samples[3]};
     int64_t y = job.part.y * axis.step;
     for (int32_t row = 0; row < job.part.h; row++, y += axis.step) {
         for (int i = 0; i < job.planes; i++) {

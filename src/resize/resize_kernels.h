@@ -76,7 +76,7 @@ struct PlanesJob {
     int planes;
     SourceRows rows[kMaxPlanes];
     // Samples of each plane for columns x to x + n - 1 of row y, readable up to the next whole vector.
-    void (*take)(void *context, const uint8_t *const *samples, int32_t x, int32_t n, int32_t y);
+    void (*take)(void *context, const void *const *samples, int32_t x, int32_t n, int32_t y);
     void *context;
 };
 
