@@ -118,38 +118,47 @@ void convert_in_blocks(const SourcePicture &src, const DestPicture &dst, Size si
     }
 }
 
-void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel, bool clear);
+void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel);
 
 // One half after the other: what lies over one another as a whole may not do so in its parts.
 void convert_halves(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
     const ptrdiff_t x = size.h > 1 ? 0 : size.w / 2, y = size.h / 2;
-    convert(src, dst, size.h > 1 ? Size{size.w, y} : Size{x, 1}, kernel, false);
-    convert(PartFrom(src, x, y).picture, PartFrom(dst, x, y).picture, {size.w - x, size.h - y}, kernel, false);
+    convert(src, dst, size.h > 1 ? Size{size.w, y} : Size{x, 1}, kernel);
+    convert(PartFrom(src, x, y).picture, PartFrom(dst, x, y).picture, {size.w - x, size.h - y}, kernel);
 }
 
-void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel, bool clear) {
-    if (size.w * size.h <= kFew) return convert_one_by_one(src, dst, size, kernel);
+// Canonical pictures that lie apart, in rows shorter than a block: many of them as one row.
+void convert_gathered(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
+    Stage in(src.layout), out(dst.layout);
+    ptrdiff_t h = kStrip / size.w;
+    for (ptrdiff_t y = 0; y < size.h; y += h) {
+        if (h > size.h - y) h = size.h - y;
+        in.gather(src, y, size.w, h);
+        convert_row(kernel, in.pointers(), out.pointers(), size.w * h);
+        out.scatter(dst, y, size.w, h);
+    }
+}
+
+void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel) {
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
-    const bool once = clear || written_once(out, size), free = clear || (once && apart(in, size, out, size));
-    const bool narrow = size.w < kNarrow;
+    const bool once = written_once(out, size), free = once && apart(in, size, out, size);
     void *ordered[kMaxChannels];
     if (free) put_in_order(dst, out, kernel, ordered);
-    const bool read_direct = in.canonical, write_direct = out.canonical && once;
-    if (free && read_direct && write_direct && size.w >= kLeastBlock) {
-        (kernels_for(size.w).*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h);
-        return;
+    const bool direct = in.canonical && out.canonical && once;
+    if (free && direct) {
+        if (size.w < kLeastBlock) return convert_gathered(src, dst, size, kernel);
+        return (kernels_for(size.w).*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h);
     }
     const ptrdiff_t columns = free ? kStrip : safe_strip(in, out, size, kLeastBlock, kStrip);
     if (columns == 0) {
         return size.w * size.h < kLeastPart ? convert_one_by_one(src, dst, size, kernel)
                                             : convert_halves(src, dst, size, kernel);
     }
-    if (!free && read_direct && write_direct) {
-        return convert_in_blocks(src, dst, size, kernel, kernels_for(columns));
-    }
-    Side<const void> from(src, in, !free || narrow || !read_direct);
-    Side<void> to(dst, out, !free || narrow || !write_direct);
+    if (direct) return convert_in_blocks(src, dst, size, kernel, kernels_for(columns));
+    const bool narrow = size.w < kNarrow;
+    Side<const void> from(src, in, !free || narrow || !in.canonical);
+    Side<void> to(dst, out, !free || narrow || !out.canonical);
     const ptrdiff_t rows = free && narrow ? kStrip / size.w : 1;
     for (ptrdiff_t y = 0; y < size.h; y += rows) {
         for (ptrdiff_t x = 0; x < size.w; x += columns) {
@@ -165,7 +174,11 @@ void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember 
 
 void convert_other(const Layouts &layouts, const void *const *src, const int32_t *src_stride, void *const *dst,
                    const int32_t *dst_stride, Size size, KernelMember kernel, bool clear) {
-    convert({layouts.src, src, src_stride}, {layouts.dst, dst, dst_stride}, size, kernel, clear);
+    const SourcePicture from{layouts.src, src, src_stride};
+    const DestPicture to{layouts.dst, dst, dst_stride};
+    if (size.w * size.h <= kFew) return convert_one_by_one(from, to, size, kernel);
+    if (clear) return convert_gathered(from, to, size, kernel);
+    convert(from, to, size, kernel);
 }
 
 void scale_picture(const SourcePicture &src, Size src_size, DestPicture dst, Size dst_size, KernelMember kernel,

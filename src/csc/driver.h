@@ -23,7 +23,8 @@ struct Layouts {
     Layout src, dst;
 };
 
-// Converts pictures that need more than a call of the kernel. `clear`: they are known to lie apart.
+// Converts pictures that need more than a call of the kernel. `clear`: they are known to be canonical and to lie apart,
+// in rows shorter than a block.
 void convert_other(const Layouts &layouts, const void *const *src, const int32_t *src_stride, void *const *dst,
                    const int32_t *dst_stride, Size size, KernelMember kernel, bool clear);
 

@@ -29,10 +29,17 @@ void copy_from_ends(Rows<uint8_t> to, Rows<const uint8_t> from, ptrdiff_t bytes,
     }
 }
 
+template <class T>
+struct Pair {
+    T a, b;
+};
+
 void copy_rows(Rows<uint8_t> to, Rows<const uint8_t> from, ptrdiff_t bytes, ptrdiff_t h) {
     using Sixteen = uint8_t __attribute__((vector_size(16)));
-    if (bytes > 32) {
+    if (bytes > 64) {
         for (; h > 0; h--, to.p += to.stride, from.p += from.stride) memcpy(to.p, from.p, static_cast<size_t>(bytes));
+    } else if (bytes >= 32) {
+        copy_from_ends<Pair<Sixteen>>(to, from, bytes, h);
     } else if (bytes >= 16) {
         copy_from_ends<Sixteen>(to, from, bytes, h);
     } else if (bytes >= 8) {
@@ -81,10 +88,22 @@ struct Order {
 }  // namespace
 
 Stage::Stage(const Layout &layout) : layout_(layout) {
-    uint8_t *p = bytes_;
-    for (int i = layout.first; i < layout.count; i++) {
-        p_[i] = p;
-        p += layout.arrangement == Arrangement::kInterleaved ? 1 : layout.channels[i].bytes * kStrip;
+    const ptrdiff_t apart = layout.arrangement == Arrangement::kInterleaved ? 1 : 2 * kStrip;
+#pragma GCC unroll 4
+    for (int i = 0; i < kMaxChannels; i++) p_[i] = bytes_ + i * apart;
+}
+
+void Stage::gather(const SourcePicture &picture, ptrdiff_t y, ptrdiff_t w, ptrdiff_t h) {
+    for (int i = 0; i < canonical_planes(layout_); i++) {
+        const ptrdiff_t bytes = w * layout_.channels[i].step;
+        copy_rows({static_cast<uint8_t *>(p_[i]), bytes}, {picture.at(i, 0, y), picture.stride(i)}, bytes, h);
+    }
+}
+
+void Stage::scatter(const DestPicture &picture, ptrdiff_t y, ptrdiff_t w, ptrdiff_t h) const {
+    for (int i = 0; i < canonical_planes(layout_); i++) {
+        const ptrdiff_t bytes = w * layout_.channels[i].step;
+        copy_rows({picture.at(i, 0, y), picture.stride(i)}, {static_cast<const uint8_t *>(p_[i]), bytes}, bytes, h);
     }
 }
 

@@ -20,14 +20,18 @@ public:
     explicit Stage(const Layout &layout);
 
     void *const *pointers() const { return p_; }
+    // Rows y to y + h - 1 of a canonical picture, `w` pixels wide, to the strip and back.
+    void gather(const SourcePicture &picture, ptrdiff_t y, ptrdiff_t w, ptrdiff_t h);
+    void scatter(const DestPicture &picture, ptrdiff_t y, ptrdiff_t w, ptrdiff_t h) const;
+    // Any picture's.
     void read(const Planes<const uint8_t> &picture, const Rect &rect);
     // Plane by plane, from the last to the first.
     void write(const Planes<uint8_t> &picture, const Rect &rect) const;
 
 private:
     const Layout &layout_;
-    void *p_[kMaxChannels] = {};
-    uint8_t bytes_[3 * 2 * kStrip];  // the widest layout is three planes of words
+    void *p_[kMaxChannels];
+    uint8_t bytes_[kMaxChannels * 2 * kStrip];
 };
 
 }  // namespace qorv
