@@ -56,7 +56,7 @@ Memory memory_for(int w, int h, int pad) {
     return Memory(static_cast<size_t>((7 * w + 4 * pad) * h) + 64);
 }
 
-const std::vector<int> kRgb{0, 1, 2}, kBgr{2, 1, 0}, kRgba{0, 1, 2, 3};
+const std::vector<int> kRgb{0, 1, 2}, kBgr{2, 1, 0}, kRgba{0, 1, 2, 3}, kBgra{2, 1, 0, 3};
 
 #ifdef QORV_BENCH_LIBYUV
 const uint8_t *source(const Call &c, int i) {
@@ -89,16 +89,23 @@ void add_small(int w, int pad) {
     });
 }
 
-void add_order_beside_libyuv() {
+void add_orders_beside_libyuv() {
     using namespace libyuv;
     const Memory memory = memory_for(256, 256, 0);
-    const Call c = planes_to_pixels(memory, 256, 256, 0, kBgr);
-    add("csc_order/yuv444_to_bgr", "ours", [=] { c.run(qorv_csc_yuv444_to_rgb888); });
-    add("csc_order/yuv444_to_bgr", "libyuv", [=] {
-        I444ToRGB24Matrix(source(c, 0), 256, source(c, 1), 256, source(c, 2), 256, static_cast<uint8_t *>(c.dst[2]),
-                          256 * 3, &kYuvJPEGConstants, 256, 256);
-        benchmark::DoNotOptimize(memory);
-    });
+    const auto compare = [&](const std::string &name, qorv_csc_fn fn, const std::vector<int> &order, auto peer) {
+        const Call c = planes_to_pixels(memory, 256, 256, 0, order);
+        add("csc_order/" + name, "ours", [=] {
+            c.run(fn);
+            benchmark::DoNotOptimize(memory);
+        });
+        add("csc_order/" + name, "libyuv", [=] {
+            peer(source(c, 0), 256, source(c, 1), 256, source(c, 2), 256, static_cast<uint8_t *>(c.dst[2]),
+                 c.dst_stride[2], &kYuvJPEGConstants, 256, 256);
+            benchmark::DoNotOptimize(memory);
+        });
+    };
+    compare("yuv444_to_bgr", qorv_csc_yuv444_to_rgb888, kBgr, I444ToRGB24Matrix);
+    compare("yuv444_to_bgra", qorv_csc_yuv444_to_rgba8888, kBgra, I444ToARGBMatrix);
 }
 #endif
 
@@ -128,6 +135,7 @@ void add_orders() {
     const std::vector<int> kAbgr{3, 2, 1, 0};
     compare("yuv444_to_rgb888_reversed", kBgr, kRgb, [](const Call &c) { c.run(qorv_csc_yuv444_to_rgb888); });
     compare("yuv444_to_rgba8888_reversed", kAbgr, kRgba, [](const Call &c) { c.run(qorv_csc_yuv444_to_rgba8888); });
+    compare("yuv444_to_rgba8888_bgra", kBgra, kRgba, [](const Call &c) { c.run(qorv_csc_yuv444_to_rgba8888); });
     compare("rgb888_to_yuv444_reversed", kBgr, kRgb,
             [=](const Call &c) { reversed(c).run(qorv_csc_rgb888_to_yuv444); });
     compare("rsz_yuv444_to_rgb888_reversed", kBgr, kRgb,
@@ -279,7 +287,7 @@ void add_cases() {
         add_small(w, 0);
         add_small(w, 16);
     }
-    add_order_beside_libyuv();
+    add_orders_beside_libyuv();
 #endif
 }
 

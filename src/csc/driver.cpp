@@ -130,7 +130,7 @@ void convert_halves(const SourcePicture &src, const DestPicture &dst, Size size,
 // Canonical pictures that lie apart, in rows shorter than a block: many of them as one row.
 void convert_gathered(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
     Stage in(src.layout), out(dst.layout);
-    ptrdiff_t h = kStrip / size.w;
+    ptrdiff_t h = size.w * size.h <= kStrip ? size.h : kStrip / size.w;
     for (ptrdiff_t y = 0; y < size.h; y += h) {
         if (h > size.h - y) h = size.h - y;
         in.gather(src, y, size.w, h);

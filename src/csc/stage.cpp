@@ -16,40 +16,39 @@ struct Rows {
     ptrdiff_t stride;
 };
 
-// Rows of sizeof(T) to twice as many bytes: from both ends, over one another in the middle.
-template <class T>
+// Rows of sizeof(T) x Count to twice as many bytes: from both ends, over one another in the middle.
+template <class T, int Count = 1>
 void copy_from_ends(Rows<uint8_t> to, Rows<const uint8_t> from, ptrdiff_t bytes, ptrdiff_t h) {
-    const ptrdiff_t last = bytes - static_cast<ptrdiff_t>(sizeof(T));
-    for (; h > 0; h--, to.p += to.stride, from.p += from.stride) {
-        T head, tail;
-        memcpy(&head, from.p, sizeof head);
-        memcpy(&tail, from.p + last, sizeof tail);
-        memcpy(to.p, &head, sizeof head);
-        memcpy(to.p + last, &tail, sizeof tail);
-    }
+    constexpr ptrdiff_t kBytes = sizeof(T);
+    do {
+        for (ptrdiff_t i = 0; i < Count * kBytes; i += kBytes) {
+            memcpy(to.p + i, from.p + i, kBytes);
+            memcpy(to.p + bytes - kBytes - i, from.p + bytes - kBytes - i, kBytes);
+        }
+        to.p += to.stride;
+        from.p += from.stride;
+    } while (--h > 0);
 }
 
-template <class T>
-struct Pair {
-    T a, b;
-};
+[[gnu::noinline]] void copy_long_rows(Rows<uint8_t> to, Rows<const uint8_t> from, ptrdiff_t bytes, ptrdiff_t h) {
+    for (; h > 0; h--, to.p += to.stride, from.p += from.stride) memcpy(to.p, from.p, static_cast<size_t>(bytes));
+}
 
+// At least one row.
 void copy_rows(Rows<uint8_t> to, Rows<const uint8_t> from, ptrdiff_t bytes, ptrdiff_t h) {
     using Sixteen = uint8_t __attribute__((vector_size(16)));
-    if (bytes > 64) {
-        for (; h > 0; h--, to.p += to.stride, from.p += from.stride) memcpy(to.p, from.p, static_cast<size_t>(bytes));
-    } else if (bytes >= 32) {
-        copy_from_ends<Pair<Sixteen>>(to, from, bytes, h);
-    } else if (bytes >= 16) {
-        copy_from_ends<Sixteen>(to, from, bytes, h);
-    } else if (bytes >= 8) {
-        copy_from_ends<uint64_t>(to, from, bytes, h);
-    } else if (bytes >= 4) {
+    if (bytes < 4) {
+        bytes < 2 ? copy_from_ends<uint8_t>(to, from, bytes, h) : copy_from_ends<uint16_t>(to, from, bytes, h);
+    } else if (bytes < 8) {
         copy_from_ends<uint32_t>(to, from, bytes, h);
-    } else if (bytes >= 2) {
-        copy_from_ends<uint16_t>(to, from, bytes, h);
+    } else if (bytes < 16) {
+        copy_from_ends<uint64_t>(to, from, bytes, h);
+    } else if (bytes < 32) {
+        copy_from_ends<Sixteen>(to, from, bytes, h);
+    } else if (bytes <= 64) {
+        copy_from_ends<Sixteen, 2>(to, from, bytes, h);
     } else {
-        copy_from_ends<uint8_t>(to, from, bytes, h);
+        copy_long_rows(to, from, bytes, h);
     }
 }
 
