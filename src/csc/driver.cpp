@@ -173,7 +173,8 @@ void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember 
 }  // namespace
 
 void convert_other(const Layouts &layouts, const void *const *src, const int32_t *src_stride, void *const *dst,
-                   const int32_t *dst_stride, Size size, KernelMember kernel, bool clear) {
+                   const int32_t *dst_stride, ptrdiff_t w, ptrdiff_t h, KernelMember kernel, bool clear) {
+    const Size size{w, h};
     const SourcePicture from{layouts.src, src, src_stride};
     const DestPicture to{layouts.dst, dst, dst_stride};
     if (size.w * size.h <= kFew) return convert_one_by_one(from, to, size, kernel);

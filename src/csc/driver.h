@@ -26,7 +26,7 @@ struct Layouts {
 // Converts pictures that need more than a call of the kernel. `clear`: they are known to be canonical and to lie apart,
 // in rows shorter than a block.
 void convert_other(const Layouts &layouts, const void *const *src, const int32_t *src_stride, void *const *dst,
-                   const int32_t *dst_stride, Size size, KernelMember kernel, bool clear);
+                   const int32_t *dst_stride, ptrdiff_t w, ptrdiff_t h, KernelMember kernel, bool clear);
 
 // Converts w x h pixels, any w and h, with the outcome of the per-pixel loop: rows from the first, pixels from the
 // left, all samples of a pixel read before its first is written, in the order of the pointers. Made for each pair of
@@ -45,7 +45,7 @@ template <Layouts kLayouts>
     if (clear && size.w >= kLeastBlock) {
         return (kernels_for(size.w).*kernel)(src, src_stride, dst, dst_stride, size.w, size.h);
     }
-    convert_other(kLayouts, src, src_stride, dst, dst_stride, size, kernel, clear);
+    convert_other(kLayouts, src, src_stride, dst, dst_stride, size.w, size.h, kernel, clear);
 }
 
 // Samples planes of bytes bilinearly and converts the samples, with the outcome of the per-pixel loop over the
