@@ -79,9 +79,12 @@ ConvertReport pictures_to_video(Input *input, const ConvertOptions &options) {
     ConvertReport report = {0, width, height, conversion.pixels->name, 0};
     run_pipeline(threads, {[&](int i) {
                                Item &item = items[static_cast<size_t>(i)];
-                               if (at_first) item.picture = std::move(first);
-                               item.input = at_first ? nullptr : source.next();
-                               return std::exchange(at_first, false) || item.input;
+                               if (std::exchange(at_first, false)) {
+                                   item.picture = std::move(first);
+                                   return true;
+                               }
+                               item.input = source.next();
+                               return item.input != nullptr;
                            },
                            [&](int i) {
                                Item &item = items[static_cast<size_t>(i)];

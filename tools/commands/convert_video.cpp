@@ -45,6 +45,7 @@ ConvertReport video_to_pictures(VideoReader &reader, const ConvertOptions &optio
     const int threads = all ? options.threads : 1;
     std::vector<Item> items(static_cast<size_t>(pipeline_items(threads)));
     std::vector<FrameConverter> converters;
+    converters.reserve(items.size());
     for (size_t i = 0; i < items.size(); i++) converters.emplace_back(format, conversion);
     const NumberedName numbered(options.out);
     Progress progress(options, "frames");

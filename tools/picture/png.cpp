@@ -117,8 +117,9 @@ void ask_for_8_bits(png_structp png, png_infop info, size_t &coded_row_bytes) {
 // any memory is taken for it. Otherwise memory is taken as the rows come; an interlaced picture needs all at once.
 void check_growth(const Input &input, const std::string &what, uint64_t coded, uint64_t shown, bool interlaced) {
     constexpr uint64_t kMostGrowth = 1032, kAlwaysFits = 1 << 26;
-    if (input.size() && coded / kMostGrowth > *input.size()) throw Error(what + "the file is truncated");
-    if (interlaced && shown > kAlwaysFits && (!input.size() || shown / kMostGrowth > *input.size())) {
+    const std::optional<uint64_t> size = input.size();
+    if (size && coded / kMostGrowth > *size) throw Error(what + "the file is truncated");
+    if (interlaced && shown > kAlwaysFits && (!size || shown / kMostGrowth > *size)) {
         throw Error(what + "too large to be read interlaced");
     }
 }
