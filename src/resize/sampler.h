@@ -30,14 +30,18 @@ struct RowPair {
 template <int Eighths>
 void blend(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) {
     constexpr int kHalf = kUnit / 2;
-    for (int i = 0; i < count; i += kUnit) {
+    const auto unit = [&](int i) __attribute__((always_inline)) {
         const U16 a = load<U16>(upper + i), b = load<U16>(upper + i + kHalf);
-        if constexpr (Eighths == 0) {
-            store(out + i, narrow_shifted<3>(a, b));
-        } else {
-            store(out + i, narrow_blend<Eighths>(a, load<U16>(lower + i), b, load<U16>(lower + i + kHalf)));
-        }
+        if constexpr (Eighths == 0) return narrow_shifted<3>(a, b);
+        return narrow_blend<Eighths>(a, load<U16>(lower + i), b, load<U16>(lower + i + kHalf));
+    };
+    int i = 0;
+    for (; i + kUnit < count; i += 2 * kUnit) {  // two at a time, as above
+        const U8 first = unit(i), second = unit(i + kUnit);
+        store(out + i, first);
+        store(out + i + kUnit, second);
     }
+    if (i < count) store(out + i, unit(i));
 }
 
 constexpr void (*kBlends[8])(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) = {
@@ -184,9 +188,15 @@ private:
     static void sample_across(const Outputs &columns, const uint8_t *row, uint16_t *out) {
         const uint8_t *entry = columns.table;
         const ptrdiff_t groups = columns.outputs / kGroup;
-        for (ptrdiff_t group = 0; group < groups; group += kLanes, entry += 2 * kVectorBytes) {
-            const U8 indices = load<U8>(entry), weights = load<U8>(entry + kVectorBytes);
-            store(out + group * kGroup, weigh_pairs(pairs<R>(columns, row, group, indices), weights));
+        // Two vectors at a time, of which a processor that keeps the order of instructions has one to do while it waits
+        // for the other.
+        for (ptrdiff_t group = 0; group < groups; group += 2 * kLanes, entry += 4 * kVectorBytes) {
+            const U8 first = pairs<R>(columns, row, group, load<U8>(entry));
+            const U8 second = pairs<R>(columns, row, group + kLanes, load<U8>(entry + 2 * kVectorBytes));
+            const U16 first_sums = weigh_pairs(first, load<U8>(entry + kVectorBytes));
+            const U16 second_sums = weigh_pairs(second, load<U8>(entry + 3 * kVectorBytes));
+            store(out + group * kGroup, first_sums);
+            store(out + (group + kLanes) * kGroup, second_sums);
         }
     }
 
