@@ -98,6 +98,7 @@ struct Rgb10ToYuv10 {
 
 // Bits 9..2 of each word; what lies above is dropped.
 struct Drop2Bits {
+    static constexpr bool kShort = true;
     [[gnu::always_inline]] static Pixels apply(const WordPair &in) {
         return {{low_bytes(in.first >> 2, in.second >> 2)}};
     }

@@ -29,8 +29,18 @@ void convert(const void *const *src, const int32_t *src_stride, void *const *dst
     const auto block = [&](ptrdiff_t x) __attribute__((always_inline)) {
         Access<Dest>::store(to.p, x, Colour::apply(Access<Source>::load(from.p, x)));
     };
+    // A formula so short that a block waits for its loads goes over two at a time.
+    constexpr bool kInPairs = kBlock > 1 && requires {
+        Colour::kShort;
+    };
     for (;;) {
         ptrdiff_t x = 0;
+        for (; kInPairs && x <= w - kBlocksAhead * kBlock; x += kBlocksAhead * kBlock) {
+            const auto first = Colour::apply(Access<Source>::load(from.p, x));
+            const auto second = Colour::apply(Access<Source>::load(from.p, x + kBlock));
+            Access<Dest>::store(to.p, x, first);
+            Access<Dest>::store(to.p, x + kBlock, second);
+        }
         for (; x <= w - kBlock; x += kBlock) block(x);
         // The rest once more as a whole block that ends with the row; what it repeats gets the same values.
         if (x < w) block(w - kBlock);

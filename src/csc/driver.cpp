@@ -104,7 +104,7 @@ void convert_one_by_one(const SourcePicture &src, const DestPicture &dst, Size s
     (pixel::csc_kernels.*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h);
 }
 
-// Pictures over one another, row by row: whole blocks of `set`, each of which is read before it is written, and the rest
+// Pictures over one another, row by row: whole blocks of `set`, which are read before they are written, and the rest
 // pixel by pixel.
 void convert_in_blocks(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel,
                        const CscKernels &set) {
@@ -155,7 +155,9 @@ void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember 
         return size.w * size.h < kLeastPart ? convert_one_by_one(src, dst, size, kernel)
                                             : convert_halves(src, dst, size, kernel);
     }
-    if (direct) return convert_in_blocks(src, dst, size, kernel, kernels_for(columns));
+    if (direct && columns >= kBlocksAhead * kLeastBlock) {
+        return convert_in_blocks(src, dst, size, kernel, kernels_for(columns / kBlocksAhead));
+    }
     const bool narrow = size.w < kNarrow;
     Side<const void> from(src, in, !free || narrow || !in.canonical);
     Side<void> to(dst, out, !free || narrow || !out.canonical);
