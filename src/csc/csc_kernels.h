@@ -13,8 +13,8 @@ namespace qorv {
 constexpr ptrdiff_t kBlocksAhead = 2;
 
 // Converts `h` rows of `w` pixels, w >= CscKernels::block, row by row, each from the left in blocks. What is left of a
-// row goes as a block that ends with it: then no destination may overlap a source. Interleaved channels are in canonical
-// arrangement, scattered ones packed; the driver sees to that. Strides are those of a converter.
+// row goes as a block that ends with it: then no destination may overlap a source. Interleaved channels are in
+// canonical arrangement, scattered ones packed; the driver sees to that. Strides are those of a converter.
 using CscKernel = void (*)(const void *const *src, const int32_t *src_stride, void *const *dst,
                            const int32_t *dst_stride, ptrdiff_t w, ptrdiff_t h);
 

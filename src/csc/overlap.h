@@ -12,7 +12,8 @@ struct Size {
 // Whether no byte of the destination is written twice.
 bool written_once(const Planes<uint8_t> &dst, Size size);
 
-// Whether no byte of the destination lies in the source. Then, and if none is written twice, the order of pixels is free.
+// Whether no byte of the destination lies in the source. Then, and if none is written twice, the order of pixels is
+// free.
 bool apart(const Planes<const uint8_t> &src, Size src_size, const Planes<uint8_t> &dst, Size dst_size);
 
 // Whether two runs of bytes share one: `a` bytes, and `b` bytes that begin `ahead` of these.
@@ -52,7 +53,8 @@ template <class Void>
 }
 
 // Pixels of a row, from `least` to `most`, that may all be read before they are written, plane by plane from the last
-// to the first, with the outcome of the per-pixel loop; so may any fewer. 0: not so many. Both pictures are of one size. `most` is `least` times a power of two.
+// to the first, with the outcome of the per-pixel loop; so may any fewer. 0: not so many. Both pictures are of one
+// size, and `most` is `least` times a power of two.
 ptrdiff_t safe_strip(const Planes<const uint8_t> &src, const Planes<uint8_t> &dst, Size size, ptrdiff_t least,
                      ptrdiff_t most);
 
