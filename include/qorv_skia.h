@@ -1046,7 +1046,8 @@ QORV_API int32_t qorv_bsw_size_se(int32_t value);
  *  A destination that overlaps a source, another destination or, with a small stride, itself gives the result of the
  *  per-pixel loop: rows from the first, pixels from the left, all samples of a pixel read before its first is written.
  *  That is exact, at the speed of such a loop in C; faster where strips of pixels are seen to be safe, as when
- *  destinations lie exactly on sources or rows keep clear of each other.
+ *  destinations lie exactly on sources or rows keep clear of each other. The arrays of pointers and strides
+ *  themselves are trusted to lie in no destination.
  *
  *  Converters take no memory from the heap; those that do not scale take at most 10 KiB of stack.
  *  @{ */
