@@ -1,63 +1,75 @@
 /* Blocks: their prediction, the 4x4 transform of ITU-T H.264 for the rest, and its quantisation. */
 #include "codec.h"
-
 void quantiser_init(Codec *codec, int qp) {
     /* By qp % 6, of coefficients whose coordinates are both even, one odd, both odd. A step doubles every 6. */
     static const uint8_t steps[6][3] = {{10, 13, 16}, {11, 14, 18}, {13, 16, 20},
                                         {14, 18, 23}, {16, 20, 25}, {18, 23, 29}};
-    static const uint32_t norms[3] = {262144, 209715, 167772}; /* (1 << 18) * {1, 4 / 5, 16 / 25} */
+    static const int norms[3] = {262144, 209715, 167772}; /* (1 << 18) * {1, 4 / 5, 16 / 25} */
     for (int i = 0; i < 16; i++) {
-        const int odd = (i & 1) + (i >> 2 & 1);
-        codec->step[i] = steps[qp % 6][odd] << qp / 6;
-        codec->scale[i] = norms[odd] / (uint32_t)codec->step[i];
+        const int odd = (i & 1) + (i >> 2 & 1), step = steps[qp % 6][odd] << qp / 6, scale = norms[odd] / step;
+        codec->step[i] = (int16_t)step;
+        codec->scale[i] = (uint16_t)scale;
+        codec->rounding[i] = (uint16_t)(65536 / 3 / scale + 1);
     }
 }
 
 /* Transforms columns, and writes them as rows: twice makes a whole transform. */
-static void transform(const int32_t in[16], int32_t out[16]) {
+static inline void transform(const int32_t *restrict in, int32_t *restrict out) {
     for (int i = 0; i < 4; i++) {
         const int a = in[i] + in[12 + i], b = in[4 + i] + in[8 + i], c = in[4 + i] - in[8 + i], d = in[i] - in[12 + i];
-        memcpy(out + 4 * i, (const int32_t[4]){a + b, 2 * d + c, a - b, d - 2 * c}, 4 * sizeof *out);
+        out[4 * i] = a + b;
+        out[4 * i + 1] = 2 * d + c;
+        out[4 * i + 2] = a - b;
+        out[4 * i + 3] = d - 2 * c;
     }
 }
 
-static void transform_back(const int32_t in[16], int32_t out[16]) {
+static inline void transform_back(const int32_t *restrict in, int32_t *restrict out) {
     for (int i = 0; i < 4; i++) {
         const int32_t a = in[i] + in[8 + i], b = in[i] - in[8 + i];
         const int32_t c = (in[4 + i] >> 1) - in[12 + i], d = in[4 + i] + (in[12 + i] >> 1);
-        memcpy(out + 4 * i, (const int32_t[4]){a + d, b + c, b - c, a - d}, 4 * sizeof *out);
+        out[4 * i] = a + d;
+        out[4 * i + 1] = b + c;
+        out[4 * i + 2] = b - c;
+        out[4 * i + 3] = a - d;
     }
 }
 
-static uint32_t quantise(const Codec *codec, bool intra, const uint8_t *source, int source_stride,
-                         const uint8_t *predicted, int predicted_stride, int16_t levels[16]) {
+/* Makes levels, and counts those that are not 0. Not static: a compiler would unroll its loops in build_block()'s. */
+uint32_t quantise(const Codec *codec, bool intra, int plane, int x, int y, int16_t *levels) {
+    const uint8_t *predicted = sample_at(codec->current, plane, x, y), *source = sample_at(codec->source, plane, x, y);
+    const int stride = codec->current->s[plane], source_stride = codec->source->s[plane];
     int32_t a[16], b[16];
-    uint32_t count = 0, rounding = intra ? 65536 / 3 : 65536 / 6; /* down more where predictions are likely good */
+    int16_t residual[16], count = 0, shift = intra ? 0 : 1; /* down more where predictions are likely good */
     /* No coefficient is larger than 4 times the sum of magnitudes, and those that large have the smallest scale. */
-    const uint32_t largest = 4 * qorv_sad4x4(source, predicted, source_stride, predicted_stride);
-    if (largest * codec->scale[5] + rounding < 1 << 16) return 0;
-    qorv_diff4x4(source, predicted, source_stride, predicted_stride, 4, levels);
-    for (int i = 0; i < 16; i++) a[i] = levels[i];
+    const uint32_t largest = 4 * qorv_sad4x4(source, predicted, source_stride, stride);
+    if ((largest + codec->rounding[5]) * codec->scale[5] < 1 << 16) return 0;
+    qorv_diff4x4(source, predicted, source_stride, stride, 4, residual);
+    for (int i = 0; i < 16; i++) a[i] = residual[i];
     transform(a, b);
     transform(b, a);
     for (int i = 0; i < 16; i++) {
-        const uint32_t magnitude = ((uint32_t)abs(a[i]) * codec->scale[i] + rounding) >> 16;
-        levels[i] = (int16_t)(a[i] < 0 ? -(int)magnitude : (int)magnitude);
-        count += magnitude != 0;
+        const int16_t coefficient = (int16_t)a[i];
+        const uint16_t magnitude = (uint16_t)(abs(coefficient) + (codec->rounding[i] >> shift));
+        const uint16_t level = (uint16_t)((uint32_t)magnitude * codec->scale[i] >> 16);
+        levels[i] = (int16_t)(coefficient < 0 ? -level : level);
+        count = (int16_t)(count + (level != 0));
     }
-    return count;
+    return (uint32_t)count;
 }
 
-static void reconstruct(const Codec *codec, const int16_t levels[16], uint8_t *samples, int stride) {
+void reconstruct(const Codec *codec, const int16_t *levels, uint8_t *to, int stride) {
     int32_t a[16], b[16];
+    uint8_t samples[16];
     for (int i = 0; i < 16; i++) a[i] = levels[i] * codec->step[i];
     transform_back(a, b);
     transform_back(b, a);
+    for (int y = 0; y < 4; y++) memcpy(samples + 4 * y, to + y * stride, 4);
     for (int i = 0; i < 16; i++) {
-        uint8_t *sample = samples + (i >> 2) * stride + (i & 3);
-        const int value = *sample + ((a[i] + 32) >> 6);
-        *sample = (uint8_t)(value < 0 ? 0 : value > 255 ? 255 : value);
+        const int16_t value = (int16_t)(samples[i] + (int16_t)((a[i] + 32) >> 6));
+        samples[i] = (uint8_t)(value < 0 ? 0 : value > 255 ? 255 : value);
     }
+    for (int y = 0; y < 4; y++) memcpy(to + y * stride, samples + 4 * y, 4);
 }
 
 static int median(int a, int b, int c) {
@@ -77,25 +89,24 @@ void predict_inter(const Codec *codec, int plane, int row, int column, Vector ve
     const int stride = codec->reference->s[plane], right = x & 3, down = y & 3;
     const uint8_t a = (uint8_t)((4 - right) * (4 - down)), b = (uint8_t)(right * (4 - down));
     const uint8_t c = (uint8_t)((4 - right) * down), d = (uint8_t)(right * down);
-    const uint8_t *from = sample_at(codec->reference, plane, side * column + (x >> 2), side * row + (y >> 2));
+    const uint8_t *restrict from = sample_at(codec->reference, plane, side * column + (x >> 2), side * row + (y >> 2));
     if (a == 16) qorv_mcpy_blk(to, from, to_stride, stride, side, side);
     for (int j = 0; a < 16 && j < side; j++, from += stride, to += to_stride) {
         const uint8_t *below = from + stride, *other = right > 0 ? from + 1 : below;
         const int means = a == 8 && d == 0 ? side : 0; /* as most often: the same for less */
         for (int i = 0; i < means; i++) to[i] = (uint8_t)((from[i] + other[i] + 1) >> 1);
-        for (int i = means; i < side; i++) {
+        for (int i = means; i < side; i++)
             to[i] = (uint8_t)((uint16_t)(a * from[i] + b * from[i + 1] + c * below[i] + d * below[i + 1] + 8) >> 4);
-        }
     }
 }
 
 void predict_intra(uint32_t kind, const uint8_t *beside, int beside_stride, uint8_t *to, int to_stride) {
     const uint8_t *above = beside - beside_stride;
     int sum = 4;
-    for (int i = 0; i < 4; i++) sum += above[i] + beside[i * beside_stride - 1];
-    for (int row = 0; row < 4; row++) {
-        memset(to + row * to_stride, kind == DC ? sum >> 3 : beside[row * beside_stride - 1], 4);
-        if (kind == VERTICAL) memcpy(to + row * to_stride, above, 4);
+    for (int i = 0; kind == DC && i < 4; i++) sum += above[i] + beside[i * beside_stride - 1];
+    for (int row = 0; row < 4; row++, to += to_stride, beside += beside_stride) {
+        if (kind == VERTICAL) memcpy(to, above, 4);
+        if (kind != VERTICAL) memset(to, kind == DC ? sum >> 3 : beside[-1], 4);
     }
 }
 
@@ -114,13 +125,11 @@ void build_block(Codec *codec, int row, int column, Block *block) {
         uint8_t *samples = sample_at(codec->current, plane, x, y);
         if (intra) predict_intra(block->kind, samples, stride, samples, stride);
         if (codec->encoding) {
-            const uint8_t *source = sample_at(codec->source, plane, x, y);
-            block->counts[tile] =
-                quantise(codec, intra, source, codec->source->s[plane], samples, stride, block->levels[tile]);
+            block->counts[tile] = quantise(codec, intra, plane, x, y, block->levels[tile]);
             block->coded |= (block->counts[tile] > 0 ? 1u : 0u) << tile / 4;
         }
-        const bool coded = (block->coded >> tile / 4 & 1) != 0 && block->counts[tile] > 0;
-        if (coded) reconstruct(codec, block->levels[tile], samples, stride);
+        if ((block->coded >> tile / 4 & 1) == 0 || block->counts[tile] == 0) continue;
+        reconstruct(codec, block->levels[tile], samples, stride);
     }
 }
 

@@ -1,7 +1,6 @@
 /* Pictures, and the threads that code the rows of one in a wavefront. */
 #include "codec.h"
-
-enum { BLOCK_BYTES = 3072 }; /* more than a block can take: 24 x (9 + 16 x 33) bits, escaped, and the unit round them */
+enum { BLOCK_BYTES = 2048 }; /* more than a block can take: 24 x (9 + 16 x 31) bits, and the unit round them */
 
 /* The padding is what vectors may reach; one alignment for all planes, as qorv_imgb_expand() wants it. */
 static const uint32_t alignment[4] = {QORV_IMGB_WORD(16, 16), QORV_IMGB_WORD(16, 16), QORV_IMGB_WORD(16, 16), 0};
@@ -12,8 +11,8 @@ void picture_release(QORV_IMGB **picture) {
     *picture = NULL;
 }
 
-/* A picture with a reference for the pool and one for the caller, in the memory of the oldest one unless that is held or
- * too small. Middle grey stands above and to the left of it, where blocks at the edges find their neighbours. */
+/* A picture with a reference for the pool and one for the caller, in the memory of the oldest one unless that is held
+ * or too small. Middle grey stands above and to the left of it, where blocks at the edges find their neighbours. */
 QORV_IMGB *picture_take(Codec *codec) {
     const int w = codec->header.width, h = codec->header.height;
     qorv_rlist_rem_data(codec->pool);

@@ -3,9 +3,8 @@
  * A stream is a sequence of units. Each begins with 00 00 01 and a type byte; its payload is bits, ended by a one and
  * zeros up to the byte boundary, with a 03 put before every byte below 4 that follows two zero bytes.
  *   S  sequence, code_header(): stands before every key picture, so that decoding can begin there.
- *   P  picture, code_header(): all its rows follow.
- *   R  row of 16x16 blocks, code_syntax(): rows are coded side by side, each some blocks behind the one above.
- *   E  end. */
+ *   P  picture, code_header(): all its rows follow. E  end.
+ *   R  row of 16x16 blocks, code_syntax(): rows are coded side by side, each some blocks behind the one above. */
 #pragma once
 #include <pthread.h>
 #include <qorv_skia.h>
@@ -34,17 +33,17 @@ typedef struct {
     int16_t levels[TILES][16];
 } Block;
 typedef struct {
-    union { /* first: its address is what the library hands to flush and refill */
+    union { /* first: its address is what the library hands to refill */
         QORV_BSW bsw;
         QORV_BSR bsr;
     };
     bool reading;
-    int zeros; /* zero bytes just passed */
+    int zeros; /* zero bytes just read */
 } Bits;
 typedef struct {
     int type;
-    int32_t size, offset;   /* of the payload; the offset is that of the start code */
-    const uint8_t *payload; /* null for a unit to be written */
+    int32_t size, offset; /* of the payload; the offset is that of the start code */
+    const uint8_t *payload;
 } Unit;
 typedef void (*Sink)(void *to, const void *bytes, size_t n);
 typedef struct {
@@ -56,8 +55,9 @@ typedef struct {
     bool ended;               /* the stream has said so */
     Header header;            /* of the current picture */
     int columns, rows;        /* of blocks */
-    int32_t step[16];         /* coefficient = level * step */
-    uint32_t scale[16];       /* |level| = |coefficient| * scale >> 16, rounded somehow */
+    int16_t step[16];         /* coefficient = level * step */
+    uint16_t scale[16];       /* |level| = (|coefficient| + rounding) * scale >> 16 */
+    uint16_t rounding[16];    /* of intra blocks; half of it for others */
     uint32_t lambda;          /* cost of a bit */
     QORV_RLIST *pool;         /* places of pictures, see picture_take() */
     QORV_IMGB *source, *current, *reference;
@@ -84,11 +84,14 @@ static inline uint8_t *sample_at(const QORV_IMGB *picture, int plane, int x, int
 void write_begin(Bits *bits, void *buffer, int32_t size, int type);
 void read_begin(Bits *bits, const Unit *unit);
 bool bits_end(Bits *bits);
+void write_escaped(const Bits *bits, Sink sink, void *to); /* a unit that has ended */
 bool next_unit(const uint8_t *stream, int32_t size, int32_t *at, Unit *unit);
 bool code_header(Bits *bits, Header *header, int type);
 bool code_syntax(const Codec *codec, Bits *bits, int row, int column, Block *block);
 /* block.c */
 void quantiser_init(Codec *codec, int qp);
+uint32_t quantise(const Codec *codec, bool intra, int plane, int x, int y, int16_t *levels);
+void reconstruct(const Codec *codec, const int16_t *levels, uint8_t *samples, int stride);
 Vector vector_clamp(const Codec *codec, int row, int column, int x, int y);
 void predict_inter(const Codec *codec, int plane, int row, int column, Vector vector, uint8_t *to, int stride);
 void predict_intra(uint32_t kind, const uint8_t *beside, int beside_stride, uint8_t *to, int to_stride);

@@ -1,7 +1,6 @@
 /* The decoder. What a stream says is believed only as far as the next check: sizes up to what the caller allows, and no
  * memory for a picture before all of its rows are there. */
 #include "codec.h"
-
 void decode_from(Codec *codec, uint32_t number) {
     Unit unit;
     Header header = {0};

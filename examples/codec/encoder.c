@@ -1,6 +1,5 @@
 /* The encoder: what a block is predicted from, and the units of a picture. A cost is SAD or SATD, and lambda a bit. */
 #include "codec.h"
-
 /* Tries a vector: of whole samples by SAD, with its half samples by SATD. */
 static bool try_vector(const Codec *codec, int row, int column, Block *block, int x, int y, bool whole) {
     const uint8_t *source = sample_at(codec->source, 0, 16 * column, 16 * row);
@@ -40,17 +39,17 @@ static void search_vector(const Codec *codec, int row, int column, Block *block)
     search_diamond(codec, row, column, block, 1, false);
 }
 
-/* The best direction if it is better than the vector, by predictions from the source. The picture's own samples are
- * not there yet, and are worse: which the bits added stand for. */
+/* The best direction if it is clearly better than the vector. It is judged by the source, as the picture's own samples
+ * are not there yet, and are worse; and what is repeated mostly needs fewer levels: which the bits added stand for. */
 static void search_intra(const Codec *codec, int row, int column, Block *block) {
     const uint8_t *source = sample_at(codec->source, 0, 16 * column, 16 * row);
     const int stride = codec->source->s[0];
-    for (uint32_t kind = DC; kind < KINDS; kind++) {
+    const uint32_t added = 50 * codec->lambda;
+    for (uint32_t kind = DC; kind < KINDS && block->cost > added; kind++) {
         uint8_t there[256];
-        for (int y = 0, x = 0; y < 16; y += x / 12 * 4, x = (x + 4) % 16) {
+        for (int x = 0, y = 0; y < 16; y += x / 12 * 4, x = (x + 4) % 16)
             predict_intra(kind, source + y * stride + x, stride, there + 16 * y + x, 16);
-        }
-        const uint32_t cost = qorv_satd(16, 16, source, there, stride, 16) + codec->lambda * 8;
+        const uint32_t cost = qorv_satd(16, 16, source, there, stride, 16) + added;
         if (cost < block->cost) block->kind = kind;
         if (cost < block->cost) block->cost = cost;
     }
@@ -58,11 +57,11 @@ static void search_intra(const Codec *codec, int row, int column, Block *block) 
 
 void decide_block(Codec *codec, int row, int column, Block *block) {
     const uint8_t *source = sample_at(codec->source, 0, 16 * column, 16 * row);
-    block->kind = SKIP;
+    block->kind = codec->header.key ? DC : SKIP;
     block->vector = block->predicted;
     block->cost = UINT32_MAX;
     if (!codec->header.key) {
-        /* First without a search: what differs by less than a quarter of the quantiser's step mostly leaves no levels. */
+        /* First without a search: less than a quarter of the quantiser's step mostly leaves no levels. */
         uint8_t there[256];
         predict_inter(codec, 0, row, column, block->predicted, there, 16);
         if (qorv_sad16x16(source, there, codec->source->s[0], 16) < (uint32_t)codec->step[0] * 4) {
@@ -80,10 +79,9 @@ void decide_block(Codec *codec, int row, int column, Block *block) {
 
 /* Repeats the last column and row up to whole blocks. */
 static void fill_up(const QORV_IMGB *picture) {
-    uint32_t w[4] = {(uint32_t)picture->w}, h[4] = {(uint32_t)picture->h}, planes, units[4];
-    qorv_imgb_get_dimension(picture->cs, w, h, &planes, units);
     for (int plane = 0; plane < 3; plane++) {
-        const int width = (int)w[plane], height = (int)h[plane], whole = plane == 0 ? picture->aw : picture->aw / 2;
+        const int c = plane > 0, width = (picture->w + c) >> c, height = (picture->h + c) >> c,
+                  whole = picture->aw >> c;
         uint8_t *last = sample_at(picture, plane, width - 1, 0), *bottom = sample_at(picture, plane, 0, height - 1);
         qorv_imgb_expand_ver(last, last + 1, height, picture->s[plane], whole - width);
         qorv_imgb_expand_hor(bottom, bottom + picture->s[plane], picture->s[plane], 15);
@@ -95,7 +93,7 @@ void encode_unit(Codec *codec, int type, Sink sink, void *to) {
     Bits bits;
     write_begin(&bits, bytes, sizeof bytes, type);
     code_header(&bits, &codec->header, type);
-    sink(to, bytes, (size_t)(bits.bsw.cur - bits.bsw.beg));
+    write_escaped(&bits, sink, to);
 }
 
 bool encode_picture(Codec *codec, Sink sink, void *to) {
@@ -107,9 +105,7 @@ bool encode_picture(Codec *codec, Sink sink, void *to) {
     if (codec_run(codec, header->md5) != codec->rows) return false;
     if (header->key) encode_unit(codec, 'S', sink, to);
     encode_unit(codec, 'P', sink, to);
-    for (int i = 0; i < codec->rows; i++) {
-        sink(to, codec->bits[i].bsw.beg, (size_t)(codec->bits[i].bsw.cur - codec->bits[i].bsw.beg));
-    }
+    for (int i = 0; i < codec->rows; i++) write_escaped(&codec->bits[i], sink, to);
     header->number++;
     return true;
 }

@@ -1,6 +1,5 @@
 /* Files: Y4M of 8-bit 4:2:0, one that a thread of its own writes, and previews. */
 #include "codec.h"
-
 enum { RING_BYTES = 1 << 20 };
 
 bool y4m_read_header(FILE *file, Header *header) {

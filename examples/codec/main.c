@@ -1,6 +1,5 @@
 /* qcodec: the commands. */
 #include "codec.h"
-
 static const char usage[] =
     "usage: qcodec encode IN.y4m OUT.qv [--qp 0..51] [--key N] [--threads N]\n"
     "       qcodec decode IN.qv OUT.y4m [--from N] [--threads N] [--preview WxH DIR]\n"

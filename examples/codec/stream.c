@@ -1,19 +1,6 @@
-/* What stands in a stream, each element once: the same function writes it and reads it. Emulation prevention lives in
- * what the bit writer calls when its word of 32 bits is full, and the bit reader when its is empty: nothing else knows. */
+/* What stands in a stream, each element once: mostly the same function writes and reads it. Escapes are put in when a
+ * unit has ended, and taken out by what the bit reader calls when its word of 32 bits is empty: nothing else knows. */
 #include "codec.h"
-
-static int32_t flush_escaped(QORV_BSW *bsw) {
-    Bits *bits = (Bits *)bsw;
-    for (int shift = 24; shift >= bsw->leftbits - 7; shift -= 8) {
-        const uint8_t byte = (uint8_t)(bsw->code >> shift);
-        const bool escape = bits->zeros >= 2 && byte < 4;
-        if (escape) *bsw->cur++ = 3;
-        *bsw->cur++ = byte;
-        bits->zeros = byte != 0 ? 0 : escape ? 1 : bits->zeros + 1;
-    }
-    return QORV_OK;
-}
-
 static int32_t refill_unescaped(QORV_BSR *bsr, int32_t count) {
     Bits *bits = (Bits *)bsr;
     bsr->code = 0;
@@ -28,8 +15,8 @@ static int32_t refill_unescaped(QORV_BSR *bsr, int32_t count) {
 }
 
 void write_begin(Bits *bits, void *buffer, int32_t size, int type) {
-    *bits = (Bits){.zeros = -3}; /* a start code is not escaped: the count does not reach 2 in it */
-    qorv_bsw_init(&bits->bsw, buffer, size, flush_escaped);
+    *bits = (Bits){.reading = false};
+    qorv_bsw_init(&bits->bsw, buffer, size, NULL);
     qorv_bsw_write(&bits->bsw, 1, 24);
     qorv_bsw_write(&bits->bsw, (uint32_t)type, 8);
 }
@@ -37,6 +24,17 @@ void write_begin(Bits *bits, void *buffer, int32_t size, int type) {
 void read_begin(Bits *bits, const Unit *unit) {
     *bits = (Bits){.reading = true};
     qorv_bsr_init(&bits->bsr, unit->payload, unit->size, refill_unescaped);
+}
+
+void write_escaped(const Bits *bits, Sink sink, void *to) {
+    const uint8_t *done = bits->bsw.beg, *end = bits->bsw.cur, *at = done + 4; /* a start code is not escaped */
+    while (end - at > 2 && (at = memchr(at, 0, (size_t)(end - at - 2))) != NULL) {
+        if (at++[1] != 0 || at[1] > 3) continue;
+        sink(to, done, (size_t)(++at - done));
+        sink(to, "\3", 1);
+        done = at;
+    }
+    sink(to, done, (size_t)(end - done));
 }
 
 /* Reads past the end give values, not errors: whether all bits were read, and no more, is seen here. */
@@ -65,11 +63,9 @@ static uint32_t code_bits(Bits *bits, uint32_t value, int n) {
     if (n > 16) return code_bits(bits, value >> 16, n - 16) << 16 | code_bits(bits, value & 0xFFFF, 16);
     return bits->reading ? qorv_bsr_read(&bits->bsr, n) : (qorv_bsw_write(&bits->bsw, value, n), value);
 }
-
 static uint32_t code_ue(Bits *bits, uint32_t value) {
     return bits->reading ? qorv_bsr_read_ue(&bits->bsr) : (qorv_bsw_write_ue(&bits->bsw, value), value);
 }
-
 static int32_t code_se(Bits *bits, int32_t value) {
     return bits->reading ? qorv_bsr_read_se(&bits->bsr) : (qorv_bsw_write_se(&bits->bsw, value), value);
 }
