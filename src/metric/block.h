@@ -163,7 +163,7 @@ struct Shape {
     static constexpr int kRows = smaller(Lanes / kColumns, MaxRows);
     static constexpr int kAcross = Width / kColumns;
     // Rows that are reached from one pointer.
-    static constexpr int kMostAtHand = kAcross > 1 ? kWideRowsAtHand : MaxRows == 1 ? 4 : kRowsAtHand;
+    static constexpr int kMostAtHand = kAcross > 1 ? kWideRowsAtHand : kRowsAtHand;
     // How many rows make a step of `Vectors` vectors; one row, if that alone is more.
     static constexpr int rows_of(int vectors) { return vectors > kAcross ? vectors / kAcross * kRows : 1; }
 };

@@ -146,24 +146,16 @@ template <class A, class B>
         });
 }
 
-// Whether two blocks that run upwards in memory are surely apart: neither begins within the bytes that the other one's
-// rows take at the most.
-[[gnu::always_inline]] inline bool surely_apart(const void *p, ptrdiff_t p_bytes, const void *q, ptrdiff_t q_bytes) {
-    const uintptr_t from_q = reinterpret_cast<uintptr_t>(p) - reinterpret_cast<uintptr_t>(q);
-    return from_q + static_cast<uintptr_t>(p_bytes) >= static_cast<uintptr_t>(p_bytes + q_bytes);
-}
-
 // Whether an output is surely apart from its inputs. Cheap, where the exact answer takes a good part of the time of a
-// small block.
+// small block: no two blocks reach farther than rows at the distance of all strides' bits together. A negative stride
+// makes that at least 2^31 samples, which is as far as it and any other one reach together.
 template <class A, class B>
 [[gnu::always_inline]] inline bool surely_apart(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a,
                                                 int32_t stride_b, int32_t stride_out, const int16_t *out) {
-    const auto most_bytes = [=](ptrdiff_t stride, size_t sample) __attribute__((always_inline)) {
-        return (h * stride + w) * static_cast<ptrdiff_t>(sample);
-    };
-    const ptrdiff_t written = most_bytes(stride_out, sizeof *out);
-    return (stride_a | stride_b | stride_out) >= 0 && surely_apart(out, written, a, most_bytes(stride_a, sizeof *a)) &&
-           surely_apart(out, written, b, most_bytes(stride_b, sizeof *b));
+    const uint64_t stride = static_cast<uint32_t>(stride_a | stride_b | stride_out);
+    const uint64_t reach = (stride * static_cast<uint32_t>(h) + static_cast<uint32_t>(w)) * sizeof *out;
+    const uint64_t end = reinterpret_cast<uintptr_t>(out) + reach;
+    return end - reinterpret_cast<uintptr_t>(a) >= 2 * reach && end - reinterpret_cast<uintptr_t>(b) >= 2 * reach;
 }
 
 // Out of line, so that the usual way needs no stack frame.
@@ -174,7 +166,7 @@ template <int Width, int Height, class A, class B>
 }
 
 template <int Width, int Height, class A, class B>
-void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out, int16_t *out) {
+static void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int32_t stride_out, int16_t *out) {
     if (!kIsStrip<Width, Height> || !surely_apart(Width, Height, a, b, stride_a, stride_b, stride_out, out)) {
         return careful_block_diff<Width, Height>(a, b, stride_a, stride_b, stride_out, out);
     }
@@ -185,8 +177,8 @@ void block_diff(const A *a, const B *b, int32_t stride_a, int32_t stride_b, int3
 }
 
 template <class T>
-void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b, int32_t stride_out,
-               int16_t *out) {
+static void area_diff(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b,
+                      int32_t stride_out, int16_t *out) {
     const auto square = [&](auto side) __attribute__((always_inline)) {
         block_diff<side.value, side.value>(a, b, stride_a, stride_b, stride_out, out);
     };

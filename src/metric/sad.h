@@ -46,7 +46,11 @@ struct StripSum<kMagnitudes, uint8_t, Width, Sides> : ByteSum<Width, 32> {
     [[gnu::always_inline]] uint32_t total() const {
         if constexpr (2 * kMaxDistances > kMaxByteDistances) return sum_lanes(sum[0]) + sum_lanes(sum[1]);
         if constexpr (kCount == 2) return sum_lanes(sum[0] + sum[1]);
-        if constexpr (kCount == 4) return sum_lanes(sum[0] + sum[1]) + sum_lanes(sum[2] + sum[3]);
+        if constexpr (kCount == 4) {
+            const auto first = sum[0] + sum[1], second = sum[2] + sum[3];
+            if constexpr (4 * kMaxDistances > kMaxByteDistances) return sum_lanes(first) + sum_lanes(second);
+            return sum_lanes(first + second);
+        }
     }
 };
 
@@ -323,16 +327,30 @@ template <Term term, int Width, int Sides, class A, class B>
 }
 
 template <Term term, class A, class B>
-uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b);
+static uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b);
 
 template <Term term, int Width, int Height, class A, class B>
-uint32_t block_sum(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t block_sum(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     if constexpr (kIsStrip<Width, Height>) {
         constexpr int kStep = smaller(power_of_two_up_to(Height), 16);
         return strip_sum<term, Width, 1, kStep>(Width, Height, a, b, stride_a, stride_b);
     } else {
         return area_sum<term>(Width, Height, a, b, stride_a, stride_b);
     }
+}
+
+// A square that is a member of one size as well is shared, and so out of line; any other one is told to be: inline, it
+// would make area_sum() save registers for every area.
+template <Term term, int Side, class A, class B>
+requires(term == kMagnitudes) [[gnu::always_inline]] inline uint32_t
+    large_square(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+    return block_sum<term, Side, Side>(a, b, stride_a, stride_b);
+}
+
+template <Term term, int Side, class A, class B>
+requires(term == kSquares) [[gnu::noinline]] uint32_t
+    large_square(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+    return block_sum<term, Side, Side>(a, b, stride_a, stride_b);
 }
 
 template <Term term, class A, class B>
@@ -349,14 +367,14 @@ template <Term term, class A, class B>
 // What qorv_sad and its like do: common squares as the blocks of those sizes, all else by strips. Whatever is called is
 // jumped to: there is nothing to save for it.
 template <Term term, class A, class B>
-uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     uint32_t sum = 0;
     const auto square = [&](auto side) __attribute__((always_inline)) {
         constexpr int kSide = side.value;
         if constexpr (kSide <= 16) {  // inline: one more jump would slow them down
             sum = strip_sum<term, kSide, 1, kSide>(kSide, kSide, a, b, stride_a, stride_b);
         } else {
-            sum = block_sum<term, kSide, kSide>(a, b, stride_a, stride_b);
+            sum = large_square<term, kSide>(a, b, stride_a, stride_b);
         }
     };
     if (!kForSize && sizeof(A) == sizeof(B) && for_common_square(w, h, square)) return sum;
@@ -376,12 +394,12 @@ uint32_t area_sum(int32_t w, int32_t h, const A *a, const B *b, int32_t stride_a
 }
 
 template <class T>
-uint32_t area_sad(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t area_sad(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
     return area_sum<kMagnitudes>(w, h, a, b, stride_a, stride_b);
 }
 
 template <class T>
-uint32_t area_ssd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t area_ssd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
     return area_sum<kSquares>(w, h, a, b, stride_a, stride_b);
 }
 

@@ -125,7 +125,7 @@ template <bool FirstStageDone>
 }
 
 template <class A, class B>
-uint32_t satd4x4(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t satd4x4(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     Rows<const A> rows_a(a, stride_a);
     Rows<const B> rows_b(b, stride_b);
     Vec<int16_t, 16> v[2];
@@ -207,7 +207,7 @@ template <int Side, class T>
 }
 
 template <class T>
-uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t area_satd(int32_t w, int32_t h, const T *a, const T *b, int32_t stride_a, int32_t stride_b) {
     uint32_t total = 0;
     const auto square = [&](auto side) __attribute__((always_inline)) {
         constexpr int kSide = side.value;
@@ -256,7 +256,7 @@ template <class A, class B>
 }
 
 template <class A, class B>
-uint32_t satd8x8(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
+static uint32_t satd8x8(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     constexpr bool kBytes = sizeof(A) + sizeof(B) == 2, kFirst = kFirstStageDone<A, B>;
     constexpr int kVector = kFirst ? kVectorBytes : 16;
     Rows<const A> rows_a(a, stride_a);
