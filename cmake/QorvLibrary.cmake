@@ -85,15 +85,20 @@ function(qorv_partial_kernel_sources)
   endforeach()
 endfunction()
 
+# Three checks at every access, for which AddressSanitizer has a better one, take the compiler minutes where blocks are
+# unrolled or every member has a reference of its own.
+function(qorv_leave_accesses_to_asan target)
+  if(QORV_SANITIZE MATCHES "undefined")
+    target_compile_options(${target} PRIVATE -fno-sanitize=null,object-size,pointer-overflow)
+  endif()
+endfunction()
+
 # An object library of kernel sources, compiled for one instruction set.
 function(qorv_add_kernel_objects target isa)
   add_library(${target} OBJECT ${ARGN})
   target_link_libraries(${target} PRIVATE qorv_build_options)
   target_compile_options(${target} PRIVATE ${QORV_ISA_FLAGS_${isa}})
-  if(QORV_SANITIZE MATCHES "undefined")
-    # Three checks at every access that AddressSanitizer has a better one for, and that take the compiler a minute.
-    target_compile_options(${target} PRIVATE -fno-sanitize=null,object-size,pointer-overflow)
-  endif()
+  qorv_leave_accesses_to_asan(${target})
   target_compile_definitions(${target} PRIVATE QORV_ISA=${isa} QORV_ISA_IS_${isa})
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
