@@ -14,8 +14,8 @@ using Subtract = void(int rows, int columns, int16_t *out, ptrdiff_t stride_out,
                       const uint8_t *b, ptrdiff_t stride_b);
 using AreaCost = int64_t(const uint8_t *a, int stride_a, const uint8_t *b, int stride_b, int w, int h);
 
-// X(case, who, function, sample type): those that need dot products apart. Most symbols of the builds for 10 bits are the
-// code for bytes, which nobody calls there.
+// X(case, who, function, sample type): those that need dot products apart. Most symbols of the builds for 10 bits are
+// the code for bytes, which nobody calls there.
 #define COSTS(X)                                                        \
     X("sad4x4", "x264", x264_8_pixel_sad_4x4_neon, uint8_t)             \
     X("sad4x4", "x265", x265_pixel_sad_4x4_neon, uint8_t)               \

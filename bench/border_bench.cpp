@@ -1,6 +1,6 @@
 // Borders of 64 samples round a 1080p picture: in place, against a library that copies the picture into a larger one
-// and against a copy of as many bytes as a border takes. And borders of 16 samples round a small one, which stays in the
-// cache, against a fill of each row's ends and copies of the outermost rows.
+// and against a copy of as many bytes as a border takes. And borders of 16 samples round a small one, which stays in
+// the cache, against a fill of each row's ends and copies of the outermost rows.
 #include <cstring>
 #include <memory>
 

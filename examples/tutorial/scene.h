@@ -1,4 +1,5 @@
-/* What the steps of the tutorial look at: a striped ground, and on it a patterned square that moves by (3, 1) a picture. */
+/* What the steps of the tutorial look at: a striped ground, and on it a patterned square that moves by (3, 1) each
+   picture. */
 #pragma once
 #include <qorv_skia.h>
 

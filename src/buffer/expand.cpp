@@ -2,8 +2,8 @@
 
 #include "buffer/colour_space.h"
 #include "core/isa.h"
-#include "system/memory_kernels.h"
 #include "qorv_skia.h"
+#include "system/memory_kernels.h"
 
 using namespace qorv;
 

@@ -1,8 +1,8 @@
 #include <string.h>
 
 #include "core/isa.h"
-#include "system/memory_kernels.h"
 #include "qorv_skia.h"
+#include "system/memory_kernels.h"
 
 using namespace qorv;
 
