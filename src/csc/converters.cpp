@@ -6,8 +6,8 @@
     extern "C" void qorv_csc_##name(const void *const *src, int32_t src_w, int32_t src_h, const int32_t *src_stride, \
                                     uint64_t, void *const *dst, int32_t, int32_t, const int32_t *dst_stride,         \
                                     int32_t) {                                                                       \
-        qorv::convert_picture<{qorv::source::layout, qorv::dest::layout}>(src, src_stride, dst, dst_stride, src_w,   \
-                                                                          src_h, &qorv::CscKernels::name);           \
+        qorv::convert_picture<qorv::Layouts{qorv::source::layout, qorv::dest::layout}>(                              \
+            src, src_stride, dst, dst_stride, src_w, src_h, &qorv::CscKernels::name);                                \
     }
 QORV_CSC_CONVERTERS(QORV_CONVERTER)
 

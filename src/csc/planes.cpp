@@ -49,7 +49,7 @@ extern "C" void qorv_csc_p010_to_yuv420(const void *const *src, int32_t src_w, i
                                         int32_t) {
     for (int i = 0; i < 3; i++) {
         const int halved = i == 0 ? 0 : 1;  // chroma sizes are rounded down
-        qorv::convert_picture<{qorv::WordPlane::layout, qorv::BytePlane::layout}>(
+        qorv::convert_picture<qorv::Layouts{qorv::WordPlane::layout, qorv::BytePlane::layout}>(
             src + i, src_stride + i, dst + i, dst_stride + i, src_w >> halved, src_h >> halved,
             &qorv::CscKernels::drop_2_bits);
     }
