@@ -1049,7 +1049,7 @@ QORV_API int32_t qorv_bsw_size_se(int32_t value);
  *  destinations lie exactly on sources or rows keep clear of each other. The arrays of pointers and strides
  *  themselves are trusted to lie in no destination.
  *
- *  Converters take no memory from the heap; those that do not scale take at most 10 KiB of stack.
+ *  Converters take no memory from the heap; those that do not scale take at most 12 KiB of stack.
  *  @{ */
 
 /**

@@ -118,15 +118,6 @@ void convert_in_blocks(const SourcePicture &src, const DestPicture &dst, Size si
     }
 }
 
-void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel);
-
-// One half after the other: what lies over one another as a whole may not do so in its parts.
-void convert_halves(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
-    const ptrdiff_t x = size.h > 1 ? 0 : size.w / 2, y = size.h / 2;
-    convert(src, dst, size.h > 1 ? Size{size.w, y} : Size{x, 1}, kernel);
-    convert(PartFrom(src, x, y).picture, PartFrom(dst, x, y).picture, {size.w - x, size.h - y}, kernel);
-}
-
 // Canonical pictures that lie apart, in rows shorter than a block: many of them as one row.
 void convert_gathered(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
     Stage in(src.layout), out(dst.layout);
@@ -139,7 +130,8 @@ void convert_gathered(const SourcePicture &src, const DestPicture &dst, Size siz
     }
 }
 
-void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel) {
+// Converts a part of pictures; false, with nothing done, if it overlaps too closely and is worth being cut up.
+bool convert_part(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel) {
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
     const bool once = written_once(out, size), free = once && apart(in, size, out, size);
@@ -147,16 +139,16 @@ void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember 
     if (free) put_in_order(dst, out, kernel, ordered);
     const bool direct = in.canonical && out.canonical && once;
     if (free && direct) {
-        if (size.w < kLeastBlock) return convert_gathered(src, dst, size, kernel);
-        return (kernels_for(size.w).*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h);
+        if (size.w < kLeastBlock) return convert_gathered(src, dst, size, kernel), true;
+        return (kernels_for(size.w).*kernel)(src.p, src.strides, dst.p, dst.strides, size.w, size.h), true;
     }
     const ptrdiff_t columns = free ? kStrip : safe_strip(in, out, size, kLeastBlock, kStrip);
     if (columns == 0) {
-        return size.w * size.h < kLeastPart ? convert_one_by_one(src, dst, size, kernel)
-                                            : convert_halves(src, dst, size, kernel);
+        if (size.w * size.h >= kLeastPart) return false;
+        return convert_one_by_one(src, dst, size, kernel), true;
     }
     if (direct && columns >= kBlocksAhead * kLeastBlock) {
-        return convert_in_blocks(src, dst, size, kernel, kernels_for(columns / kBlocksAhead));
+        return convert_in_blocks(src, dst, size, kernel, kernels_for(columns / kBlocksAhead)), true;
     }
     const bool narrow = size.w < kNarrow;
     Side<const void> from(src, in, !free || narrow || !in.canonical);
@@ -170,6 +162,33 @@ void convert(const SourcePicture &src, DestPicture dst, Size size, KernelMember 
             convert_rect(from, to, {x - again, y, w + again, size.h - y < rows ? size.h - y : rows}, kernel);
         }
     }
+    return true;
+}
+
+// All of `n` from the first to the last, in the largest pieces that `take(at, count)` accepts, found by halves.
+template <class Take>
+void in_pieces(ptrdiff_t n, Take take) {
+    for (ptrdiff_t at = 0, count = n; at < n;) {
+        if (count > n - at) count = n - at;
+        if (take(at, count)) {
+            at += count;
+            count *= 2;
+        } else {
+            count /= 2;
+        }
+    }
+}
+
+// What lies over one another as a whole may not do so in its rows, nor these in their parts.
+void convert(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
+    const auto part = [&](ptrdiff_t x, ptrdiff_t y, Size piece) {
+        return convert_part(PartFrom(src, x, y).picture, PartFrom(dst, x, y).picture, piece, kernel);
+    };
+    in_pieces(size.h, [&](ptrdiff_t y, ptrdiff_t h) {
+        if (part(0, y, {size.w, h})) return true;
+        if (h == 1) in_pieces(size.w, [&](ptrdiff_t x, ptrdiff_t w) { return part(x, y, {w, 1}); });
+        return h == 1;
+    });
 }
 
 }  // namespace
