@@ -131,7 +131,7 @@ void convert_gathered(const SourcePicture &src, const DestPicture &dst, Size siz
 }
 
 // Converts a part of pictures; false, with nothing done, if it overlaps too closely and is worth being cut up.
-bool convert_part(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel) {
+[[gnu::noinline]] bool convert_part(const SourcePicture &src, DestPicture dst, Size size, KernelMember kernel) {
     const Planes<const uint8_t> in = planes_of(src);
     Planes<uint8_t> out = planes_of(dst);
     const bool once = written_once(out, size), free = once && apart(in, size, out, size);
@@ -180,7 +180,8 @@ void in_pieces(ptrdiff_t n, Take take) {
 }
 
 // What lies over one another as a whole may not do so in its rows, nor these in their parts.
-void convert(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
+[[gnu::noinline]] void convert_pieces(const SourcePicture &src, const DestPicture &dst, Size size,
+                                      KernelMember kernel) {
     const auto part = [&](ptrdiff_t x, ptrdiff_t y, Size piece) {
         return convert_part(PartFrom(src, x, y).picture, PartFrom(dst, x, y).picture, piece, kernel);
     };
@@ -189,6 +190,10 @@ void convert(const SourcePicture &src, const DestPicture &dst, Size size, Kernel
         if (h == 1) in_pieces(size.w, [&](ptrdiff_t x, ptrdiff_t w) { return part(x, y, {w, 1}); });
         return h == 1;
     });
+}
+
+void convert(const SourcePicture &src, const DestPicture &dst, Size size, KernelMember kernel) {
+    if (!convert_part(src, dst, size, kernel)) convert_pieces(src, dst, size, kernel);
 }
 
 }  // namespace
