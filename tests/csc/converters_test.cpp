@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
 #include <cstring>
@@ -592,6 +593,26 @@ private:
 TEST_F(ConverterLoops, GiveEveryColour) {
     for (const char *name : {"yuv444_to_r8g8b8", "r8g8b8_to_yuv444", "rgb565_to_yuv444"}) expect_exhaustive(name);
     expect_ten_bit_corners();
+}
+
+// Pictures of any size that overlap in every part, in a thread whose stack would not hold a frame for each halving.
+TEST_P(Converters, OverlapTakesLittleStack) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 64 << 10), 0);
+    pthread_t thread;
+    const auto convert = [](void *) -> void * {
+        constexpr int32_t kSide = 1024;
+        std::vector<uint8_t> memory(3 * kSide * kSide + 1);
+        uint8_t *const p = memory.data();
+        const int32_t from[3] = {kSide, kSide, kSide}, to[3] = {3 * kSide, 3 * kSide, 3 * kSide};
+        void *const source[3] = {p, p, p}, *const dest[3] = {p + 1, p + 2, p + 3};
+        qorv_csc_r8g8b8_to_rgb888(source, kSide, kSide, from, 0, dest, kSide, kSide, to, 0);
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, convert, nullptr), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
 }
 
 }  // namespace
