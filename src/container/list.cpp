@@ -92,7 +92,6 @@ extern "C" void qorv_list_delete(QORV_LIST *list) {
 
 extern "C" void qorv_list_rem_all(QORV_LIST *list) {
     while (list->cnt > 0) remove(*list, list->head->next);
-    list->cnt = 0;
     list->cur = nullptr;
 }
 
