@@ -13,6 +13,8 @@ void *__wrap_malloc(size_t);
 void *__wrap_calloc(size_t, size_t);
 void *__wrap_realloc(void *, size_t);
 void __wrap_free(void *);
+const char *__asan_default_options();
+const char *__tsan_default_options();
 }
 
 namespace {
@@ -47,6 +49,15 @@ extern "C" void *__wrap_realloc(void *block, size_t size) {
 extern "C" void __wrap_free(void *block) {
     if (block != nullptr) live--;
     __real_free(block);
+}
+
+// As without a sanitizer, a request that cannot be met gives null.
+extern "C" const char *__asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+
+extern "C" const char *__tsan_default_options() {
+    return __asan_default_options();
 }
 
 namespace test {

@@ -36,6 +36,16 @@ TEST_P(AlignedAllocation, GivesWritableBlocksOnA32ByteBoundary) {
     GetParam().free(nullptr);
 }
 
+TEST_P(AlignedAllocation, GivesNullBelowItsOwnOverhead) {
+    for (int32_t size : {-1, -8}) {
+        void *block = GetParam().alloc(size);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % 32, 0u) << size;
+        ASSERT_NE(block, nullptr) << size;
+        GetParam().free(block);
+    }
+    for (int32_t size : {-41, INT32_MIN}) EXPECT_EQ(GetParam().alloc(size), nullptr) << size;
+}
+
 INSTANTIATE_TEST_SUITE_P(Both, AlignedAllocation,
                          testing::Values(Pair{qorv_malloc_align32, qorv_mfree_align32},
                                          Pair{qorv_malloc_fast_align32, qorv_mfree_fast_align32}));
