@@ -600,7 +600,8 @@ TEST_F(ConverterLoops, GiveEveryColour) {
 TEST_P(Converters, OverlapTakesLittleStack) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::max<size_t>(64 << 10, PTHREAD_STACK_MIN)), 0);
+    ASSERT_EQ(
+        pthread_attr_setstacksize(&attributes, std::max(size_t{64 << 10}, static_cast<size_t>(PTHREAD_STACK_MIN))), 0);
     pthread_t thread;
     const auto convert = [](void *) -> void * {
         constexpr int32_t kSide = 1024;
