@@ -183,7 +183,8 @@ template <int A, int B>
 }
 
 [[gnu::always_inline]] inline U16 weigh_pairs(U8 v, U8 weights) {
-    const uint16x8_t first = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8((uint8x16_t)weights));
+    uint16x8_t first = vmull_u8(vget_low_u8((uint8x16_t)v), vget_low_u8((uint8x16_t)weights));
+    hide_origin(first);  // or g++ copies it to another register
     return (U16)vmlal_high_u8(first, (uint8x16_t)v, (uint8x16_t)weights);
 }
 
@@ -257,19 +258,24 @@ template <int N>
     return (U8)vshrn_high_n_u16(vshrn_n_u16((uint16x8_t)a, N), (uint16x8_t)b, N);
 }
 
-// Means of means, each rounded down, lose nothing of the whole's integer part, and take no multiplication.
+// Of sixteen times the sums, the upper byte of a sum of two is a mean's integer part.
+constexpr int kBlendBits = 4;
+
+// A mean of means, each rounded down, loses nothing of the whole's integer part, and takes no multiplication. This is
+// what the mean with a, or from N = 4 on with b, is to be taken of.
 template <int N>
-[[gnu::always_inline]] inline uint16x8_t eighths_between(uint16x8_t a, uint16x8_t b) {
+[[gnu::always_inline]] inline uint16x8_t quarters_between(uint16x8_t a, uint16x8_t b) {
     uint16x8_t mean = a;
     if constexpr ((N & 1) != 0) mean = vhaddq_u16(mean, b);
     if constexpr ((N & 3) != 0) mean = vhaddq_u16(mean, (N & 2) != 0 ? b : a);
-    return vhaddq_u16(mean, (N & 4) != 0 ? b : a);
+    return mean;
 }
 
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
-    return narrow_shifted<3>((U16)eighths_between<N>((uint16x8_t)a, (uint16x8_t)b),
-                             (U16)eighths_between<N>((uint16x8_t)c, (uint16x8_t)d));
+    const uint16x8_t va = (uint16x8_t)a, vb = (uint16x8_t)b, vc = (uint16x8_t)c, vd = (uint16x8_t)d;
+    const uint8x8_t first = vaddhn_u16(quarters_between<N>(va, vb), N < 4 ? va : vb);
+    return (U8)vaddhn_high_u16(first, quarters_between<N>(vc, vd), N < 4 ? vc : vd);
 }
 
 [[gnu::always_inline]] inline Vec<int16_t, 16> widen_low(Vec<uint8_t, 16> a) {

@@ -233,7 +233,9 @@ template <int N>
 }
 
 // ((8 - N) a + N b) >> 6 of 16-bit lanes below 2048, as bytes, and behind them, in each 128-bit lane, the same of c and
-// d. N is 1 to 7.
+// d. N is 1 to 7. The lanes stand kBlendBits higher, with zeros below.
+constexpr int kBlendBits = 0;
+
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
     const U16 first = splat<U16>(8 - N), second = splat<U16>(N);

@@ -472,6 +472,8 @@ template <int N>
     return (U8)QORV_MM(packus_epi16)((Register)(a >> N), (Register)(b >> N));
 }
 
+constexpr int kBlendBits = 0;
+
 template <int N>
 [[gnu::always_inline]] inline U8 narrow_blend(U16 a, U16 b, U16 c, U16 d) {
     U16 upper = splat<U16>(8 - N), lower = splat<U16>(N);

@@ -50,6 +50,7 @@ struct Strip {
     int count;  // columns
     Fetch fetch;
     bool wide;            // the outputs of a group come from two windows side by side
+    bool kept;            // enlarging: a row serves more than one pair, so that its brackets are kept, for blend()
     Axis x;               // of its columns
     uint32_t fraction;    // of the first column's position
     int64_t first_pixel;  // under the strip, in decimated pixels
@@ -92,6 +93,7 @@ template <class Pixel, int PerPixel>
                      : pick       ? Fetch::kPick
                                   : Fetch::kCompact,
             .wide = wide,
+            .kept = grid.y.step < kOne,
             .x = x,
             .fraction = static_cast<uint32_t>(begin & (kOne - 1)),
             .first_pixel = first_pixel,
@@ -130,6 +132,8 @@ struct Columns {
 private:
     static constexpr int kBytes = Pixel::kSampled;
 
+    uint16_t weight_unit() const { return strip.kept ? 1 << kBlendBits : 1; }
+
     [[gnu::noinline]] void fill() {
         using U16x8 = Vec<uint16_t, 16>;
         using U32x4 = Vec<uint32_t, 16>;
@@ -157,7 +161,7 @@ private:
             offsets[place] = static_cast<uint16_t>(window);
             uint8_t *entry = table + place / kLanes * 2 * kVectorBytes + place % kLanes * 2 * kGroup;
             store(entry, pair_up(left, left + to_right));
-            store(entry + kVectorBytes, pair_up(8 - (eighths & 7), eighths & 7));
+            store(entry + kVectorBytes, pair_up((8 - (eighths & 7)) * weight_unit(), (eighths & 7) * weight_unit()));
         }
     }
 
@@ -196,7 +200,7 @@ private:
                 left = start - window;
             }
             store(entry, left * 0x01010101 + order);
-            store(entry + kVectorBytes, right * eighths + (right ^ 0x01010101) * (8 - eighths));
+            store(entry + kVectorBytes, (right * eighths + (right ^ 0x01010101) * (8 - eighths)) * weight_unit());
         }
     }
 

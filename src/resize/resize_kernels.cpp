@@ -16,7 +16,7 @@ struct StoreBytes {
     template <class Sampler>
     static void row(const Sampler &sampler, int columns, uint8_t *dst) {
         const int bytes = columns * N, whole = bytes / kUnit * kUnit;
-        sampler.write(0, whole, dst);
+        if (whole > 0) sampler.write(0, whole, dst);
         if (whole < bytes) {
             uint8_t last[kUnit];
             sampler.write(whole, whole + kUnit, last);
@@ -127,8 +127,7 @@ template <Reach R, Reach Last>
     for (int32_t row = job.part.h; row > 0; row--, y += axis.step, dst += dst_stride) {
         const RowNumbers rows(y, axis.shift);
         const auto eighths = static_cast<uint16_t>(rows.eighths);
-        reduce_row<R, Last>(RowsAcross<PixelColumns>(columns, source.row(rows.upper), source.row(rows.lower), eighths),
-                            bytes, dst);
+        reduce_row<R, Last>({columns, {{source.row(rows.upper)}}, {{source.row(rows.lower)}}, eighths}, bytes, dst);
     }
 }
 
@@ -208,12 +207,12 @@ void resize(const ResizeJob &job) {
         const Columns<Pixel, PerPixel> outputs(strip_of<Pixel, PerPixel>(job.grid, part.x + done, columns, readable));
         uint8_t *const dst = job.dst + ptrdiff_t{done} * Store::kPixelBytes;
         if constexpr (Pixel::kMemory == 4) {
-            if (job.grid.y.step >= kOne) {
+            if (!outputs.strip.kept) {
                 reduce_strip(job, outputs, dst);
                 continue;
             }
         }
-        Sampler<Pixel, PerPixel> sampler(outputs, job.rows, job.grid.y);
+        Sampler<Pixel, PerPixel> sampler(outputs, &job.rows, job.grid.y);
         resize_strip<Store>(job, sampler, columns, dst);
     }
     if (rows_repeat(job.grid.y)) copy_repeated_rows(job, static_cast<size_t>(part.w) * Store::kPixelBytes);
@@ -221,17 +220,15 @@ void resize(const ResizeJob &job) {
 
 void sample_strip(const PlanesJob &job, const Columns<BytePixel<1>, 1> &columns, int32_t first) {
     const Axis &axis = job.grid.y;
-    Sampler<BytePixel<1>, 1> planes[kMaxPlanes] = {{columns, job.rows[0], axis},
-                                                   {columns, job.rows[1], axis},
-                                                   {columns, job.rows[2], axis},
-                                                   {columns, job.rows[3], axis}};
-    uint8_t samples[kMaxPlanes][kStripColumns];
-    const void *const rows[kMaxPlanes] = {samples[0], samples[1], samples[2], samples[3]};
+    const int outputs = columns.outputs;
+    Sampler<BytePixel<1>, 1, 3> three(columns, job.rows, axis);
+    Sampler<BytePixel<1>, 1> fourth(columns, job.rows + 3, axis);
+    uint8_t samples[kMaxPlanes * kStripColumns];
+    const void *const rows[kMaxPlanes] = {samples, samples + outputs, samples + 2 * outputs, samples + 3 * outputs};
     int64_t y = job.part.y * axis.step;
     for (int32_t row = 0; row < job.part.h; row++, y += axis.step) {
-        for (int i = 0; i < job.planes; i++) {
-            if (planes[i].seek(y)) planes[i].write(0, columns.outputs, samples[i]);
-        }
+        if (three.seek(y)) three.write(0, outputs, samples);
+        if (job.planes == 4 && fourth.seek(y)) fourth.write(0, outputs, samples + 3 * outputs);
         job.take(job.context, rows, first, columns.strip.count, job.part.y + row);
     }
 }

@@ -69,7 +69,7 @@ using ResizeKernel = void (*)(const ResizeJob &job);
 
 constexpr int kMaxPlanes = 4;
 
-// Planes of bytes of one size, sampled together. Rows of samples are handed on strip by strip.
+// Three or four planes of bytes of one size, sampled together. Rows of samples are handed on strip by strip.
 struct PlanesJob {
     Grid grid;
     Part part;

@@ -26,13 +26,13 @@ struct RowPair {
     }
 };
 
-// Bytes of two rows of brackets, the lower one weighed by `Eighths`; `count` is a multiple of kUnit.
+// Bytes of two rows of brackets, kBlendBits higher, the lower one weighed by `Eighths`; `count` is a multiple of kUnit.
 template <int Eighths>
 void blend(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) {
     constexpr int kHalf = kUnit / 2;
     const auto unit = [&](int i) __attribute__((always_inline)) {
         const U16 a = load<U16>(upper + i), b = load<U16>(upper + i + kHalf);
-        if constexpr (Eighths == 0) return narrow_shifted<3>(a, b);
+        if constexpr (Eighths == 0) return narrow_shifted<kBlendBits + 3>(a, b);
         return narrow_blend<Eighths>(a, load<U16>(lower + i), b, load<U16>(lower + i + kHalf));
     };
     int i = 0;
@@ -67,15 +67,21 @@ template <Reach R, class Outputs>
     }
 }
 
-// Two rows of samples, the lower one weighed by `eighths`. For all the compiler knows a store of bytes may change what
-// is not in a local.
-template <class Outputs>
+// A place in each of several planes.
+template <int Planes>
+struct Places {
+    const uint8_t *of[Planes] = {};
+};
+
+// Two rows of samples in each plane, the lower one weighed by `eighths`. For all the compiler knows a store of bytes may
+// change what is not in a local.
+template <class Outputs, int Planes = 1>
 struct RowsAcross {
     const Outputs &columns;
-    const uint8_t *upper, *lower;
+    const Places<Planes> upper, lower;
     const U16 lower_weight, upper_weight;
 
-    [[gnu::always_inline]] RowsAcross(const Outputs &outputs, const uint8_t *first, const uint8_t *second,
+    [[gnu::always_inline]] RowsAcross(const Outputs &outputs, const Places<Planes> &first, const Places<Planes> &second,
                                       uint16_t eighths)
         : columns(outputs),
           upper(first),
@@ -85,49 +91,51 @@ struct RowsAcross {
 
     // The sums of a vector of groups.
     template <Reach R>
-    [[gnu::always_inline]] U16 sums(ptrdiff_t group) const {
+    [[gnu::always_inline]] U16 sums(ptrdiff_t group, int plane) const {
         const uint8_t *entry = columns.table + group * 4 * kGroup;
         const U8 indices = load<U8>(entry), weights = load<U8>(entry + kVectorBytes);
-        return weigh_two_pairs(pairs<R>(columns, upper, group, indices), pairs<R>(columns, lower, group, indices),
-                               weights, upper_weight, lower_weight);
+        return weigh_two_pairs(pairs<R>(columns, upper.of[plane], group, indices),
+                               pairs<R>(columns, lower.of[plane], group, indices), weights, upper_weight, lower_weight);
     }
 
     // The unit of outputs that begins with a group.
     template <Reach R>
-    [[gnu::always_inline]] U8 unit(ptrdiff_t group) const {
-        return narrow_shifted<6>(sums<R>(group), sums<R>(group + kLanes));
+    [[gnu::always_inline]] U8 unit(ptrdiff_t group, int plane = 0) const {
+        return narrow_shifted<6>(sums<R>(group, plane), sums<R>(group + kLanes, plane));
     }
 };
 
-// Samples the rows of one plane, or of a packed picture, under one strip.
-template <class Pixel, int PerPixel>
+// Samples the rows of planes of one size, or of a packed picture, under one strip. Planes that are sampled together
+// share what is worked out of places and weights.
+template <class Pixel, int PerPixel, int Planes = 1>
 class Sampler {
 public:
     using Outputs = Columns<Pixel, PerPixel>;
 
-    Sampler(const Outputs &columns, const SourceRows &rows, const Axis &y)
-        : columns_(columns), rows_(rows), shift_(y.shift), keep_(y.step < kOne) {}
+    Sampler(const Outputs &columns, const SourceRows *rows, const Axis &y)
+        : columns_(columns), rows_(rows), shift_(y.shift) {}
 
     // Moves to the pair of rows at a position. False if that gives the same samples as the one before.
-    bool seek(int64_t y) {
+    [[gnu::always_inline]] bool seek(int64_t y) {
         if (y >> kEighthBits == eighth_) return false;
         eighth_ = y >> kEighthBits;
         const RowNumbers rows(y, shift_);
         lower_weight_ = static_cast<uint16_t>(rows.eighths);
-        if (kKeepAlways || keep_) {
+        if (kKeepAlways || columns_.strip.kept) {
             upper_sums_ = sums(rows.upper);
             lower_sums_ = sums(rows.lower);
         } else {
-            upper_ = window_base(rows.upper);
-            lower_ = window_base(rows.lower);
+            upper_ = window_bases(rows.upper);
+            lower_ = window_bases(rows.lower);
         }
         return true;
     }
 
-    // The outputs from..to of that pair of rows; both are multiples of kUnit.
+    // The outputs from..to of that pair of rows; both are multiples of kUnit. Of several planes all outputs, those of
+    // one behind those of the other.
     void write(int from, int to, uint8_t *out) const {
-        if (kKeepAlways || keep_) {
-            kBlends[lower_weight_](upper_sums_ + from, lower_sums_ + from, to - from, out);
+        if (kKeepAlways || columns_.strip.kept) {
+            kBlends[lower_weight_](upper_sums_ + from, lower_sums_ + from, Planes * (to - from), out);
         } else if (columns_.strip.wide) {
             sample<Reach::kTwoWindows>(from, to, out);
         } else {
@@ -141,13 +149,24 @@ private:
     static constexpr int kBufferBytes = Pixel::kMemory == 4 ? 1 : (kMaxPixels + kVectorBytes) * Pixel::kSampled;
 
     // What the windows of the strip count from in a row.
-    const uint8_t *window_base(int64_t row) {
+    [[gnu::always_inline]] Places<Planes> window_bases(int64_t row) {
         const Strip &strip = columns_.strip;
-        if (Pixel::kMemory == 4 || strip.fetch == Fetch::kDirect) return rows_.row(row) + strip.origin;
+        if (Pixel::kMemory != 4 && strip.fetch != Fetch::kDirect) return collected(row);
+        Places<Planes> bases;
+#pragma GCC unroll 4
+        for (int i = 0; i < Planes; i++) bases.of[i] = rows_[i].row(row) + strip.origin;
+        return bases;
+    }
+
+    Places<Planes> collected(int64_t row) {
         bool present;
         uint8_t *buffer = collected_.find(row, present);
-        if (!present) collect_row(rows_.row(row), buffer);
-        return buffer;
+        Places<Planes> bases;
+        for (int i = 0; i < Planes; i++, buffer += kBufferBytes) {
+            if (!present) collect_row(rows_[i].row(row), buffer);
+            bases.of[i] = buffer;
+        }
+        return bases;
     }
 
     void collect_row(const uint8_t *row, uint8_t *buffer) const {
@@ -174,7 +193,7 @@ private:
     }
 
     [[gnu::noinline]] void fill_sums(int64_t row, uint16_t *buffer) {
-        const uint8_t *source = window_base(row);
+        const Places<Planes> source = window_bases(row);
         if (columns_.strip.fetch == Fetch::kGather) {
             if constexpr (Pixel::kMemory == 4) sample_across<Reach::kGathered>(columns_, source, buffer);
         } else if (Pixel::kMemory != 4 && columns_.strip.wide) {
@@ -185,40 +204,52 @@ private:
     }
 
     template <Reach R>
-    static void sample_across(const Outputs &columns, const uint8_t *row, uint16_t *out) {
+    static void sample_across(const Outputs &columns, const Places<Planes> rows, uint16_t *out) {
         const uint8_t *entry = columns.table;
-        const ptrdiff_t groups = columns.outputs / kGroup;
+        const ptrdiff_t outputs = columns.outputs;
         // Two vectors at a time, of which a processor that keeps the order of instructions has one to do while it waits
         // for the other.
-        for (ptrdiff_t group = 0; group < groups; group += 2 * kLanes, entry += 4 * kVectorBytes) {
-            const U8 first = pairs<R>(columns, row, group, load<U8>(entry));
-            const U8 second = pairs<R>(columns, row, group + kLanes, load<U8>(entry + 2 * kVectorBytes));
-            const U16 first_sums = weigh_pairs(first, load<U8>(entry + kVectorBytes));
-            const U16 second_sums = weigh_pairs(second, load<U8>(entry + 3 * kVectorBytes));
-            store(out + group * kGroup, first_sums);
-            store(out + (group + kLanes) * kGroup, second_sums);
+        for (ptrdiff_t group = 0; group * kGroup < outputs; group += 2 * kLanes, entry += 4 * kVectorBytes) {
+            const U8 first_indices = load<U8>(entry), first_weights = load<U8>(entry + kVectorBytes);
+            const U8 indices = load<U8>(entry + 2 * kVectorBytes), weights = load<U8>(entry + 3 * kVectorBytes);
+            U16 sums[Planes][2];
+#pragma GCC unroll 4
+            for (int i = 0; i < Planes; i++) {
+                const U8 first = pairs<R>(columns, rows.of[i], group, first_indices);
+                const U8 second = pairs<R>(columns, rows.of[i], group + kLanes, indices);
+                sums[i][0] = weigh_pairs(first, first_weights);
+                sums[i][1] = weigh_pairs(second, weights);
+            }
+#pragma GCC unroll 4
+            for (int i = 0; i < Planes; i++) {
+                store(out + i * outputs + group * kGroup, sums[i][0]);
+                store(out + i * outputs + (group + kLanes) * kGroup, sums[i][1]);
+            }
         }
     }
 
     template <Reach R>
     void sample(int from, int to, uint8_t *out) const {
-        const RowsAcross<Outputs> rows(columns_, upper_, lower_, lower_weight_);
-        const ptrdiff_t end = to / kGroup;
+        const RowsAcross<Outputs, Planes> rows(columns_, upper_, lower_, lower_weight_);
+        const ptrdiff_t end = to / kGroup, outputs = to - from;
         for (ptrdiff_t group = from / kGroup; group < end; group += 2 * kLanes, out += kUnit) {
-            store(out, rows.template unit<R>(group));
+            U8 units[Planes];
+#pragma GCC unroll 4
+            for (int i = 0; i < Planes; i++) units[i] = rows.template unit<R>(group, i);
+#pragma GCC unroll 4
+            for (int i = 0; i < Planes; i++) store(out + i * outputs, units[i]);
         }
     }
 
     const Outputs &columns_;
-    const SourceRows &rows_;
+    const SourceRows *rows_;  // of each plane
     const int shift_;
-    const bool keep_;  // enlarging: a row serves more than one pair, so what is kept is sampled across already
     int64_t eighth_ = -1;
     uint16_t lower_weight_ = 0;
-    const uint8_t *upper_ = nullptr, *lower_ = nullptr;
+    Places<Planes> upper_, lower_;
     const uint16_t *upper_sums_ = nullptr, *lower_sums_ = nullptr;
-    RowPair<uint8_t, kBufferBytes> collected_;
-    RowPair<uint16_t, Outputs::kMaxOutputs> kept_;
+    RowPair<uint8_t, Planes * kBufferBytes> collected_;
+    RowPair<uint16_t, Planes * Outputs::kMaxOutputs> kept_;
 };
 
 }  // namespace qorv::QORV_ISA
