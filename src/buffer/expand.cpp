@@ -24,7 +24,7 @@ template <class T>
         for (ptrdiff_t done = 0; done < bytes - kStep; done += kStep) memcpy(dst + done, &all, kStep);
         memcpy(dst + bytes - kStep, &all, kStep);
     } else if (sizeof(T) == 2) {
-        active.memory->fill16(dst, value, static_cast<size_t>(count));
+        active.memory->mset16(dst, value, static_cast<int32_t>(count));
     } else {
         memset(dst, static_cast<uint8_t>(value), static_cast<size_t>(count));
     }

@@ -26,26 +26,27 @@ struct RowPair {
     }
 };
 
-// Bytes of two rows of brackets, kBlendBits higher, the lower one weighed by `Eighths`; `count` is a multiple of kUnit.
+// Bytes of two rows of brackets, kBlendBits higher, the second one weighed by `Eighths`; `count` is a multiple of kUnit.
 template <int Eighths>
-void blend(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) {
+void blend(const uint16_t *first, const uint16_t *second, int count, uint8_t *out) {
     constexpr int kHalf = kUnit / 2;
     const auto unit = [&](int i) __attribute__((always_inline)) {
-        const U16 a = load<U16>(upper + i), b = load<U16>(upper + i + kHalf);
+        const U16 a = load<U16>(first + i), b = load<U16>(first + i + kHalf);
         if constexpr (Eighths == 0) return narrow_shifted<kBlendBits + 3>(a, b);
-        return narrow_blend<Eighths>(a, load<U16>(lower + i), b, load<U16>(lower + i + kHalf));
+        return narrow_blend<Eighths>(a, load<U16>(second + i), b, load<U16>(second + i + kHalf));
     };
     int i = 0;
     for (; i + kUnit < count; i += 2 * kUnit) {  // two at a time, as above
-        const U8 first = unit(i), second = unit(i + kUnit);
-        store(out + i, first);
-        store(out + i + kUnit, second);
+        const U8 one = unit(i), other = unit(i + kUnit);
+        store(out + i, one);
+        store(out + i + kUnit, other);
     }
     if (i < count) store(out + i, unit(i));
 }
 
-constexpr void (*kBlends[8])(const uint16_t *upper, const uint16_t *lower, int count, uint8_t *out) = {
-    blend<0>, blend<1>, blend<2>, blend<3>, blend<4>, blend<5>, blend<6>, blend<7>};
+// A row of more than half the weight goes first.
+constexpr void (*kBlends[])(const uint16_t *first, const uint16_t *second, int count, uint8_t *out) = {
+    blend<0>, blend<1>, blend<2>, blend<3>, blend<4>};
 
 // Where in a source row the outputs of a group come from. Every second pixel is gathered along with the one behind the
 // right neighbour, or the one before the left.
@@ -105,6 +106,33 @@ struct RowsAcross {
     }
 };
 
+// A row of each plane sampled across, the sums of one plane behind those of the other.
+template <Reach R, class Outputs, int Planes>
+void sample_across(const Outputs &columns, const Places<Planes> &places, uint16_t *out) {
+    const Places<Planes> rows = places;  // in registers, whatever is stored
+    const uint8_t *entry = columns.table;
+    const ptrdiff_t outputs = columns.outputs;
+    // Two vectors at a time, of which a processor that keeps the order of instructions has one to do while it waits
+    // for the other.
+    for (ptrdiff_t group = 0; group * kGroup < outputs; group += 2 * kLanes, entry += 4 * kVectorBytes) {
+        const U8 first_indices = load<U8>(entry), first_weights = load<U8>(entry + kVectorBytes);
+        const U8 indices = load<U8>(entry + 2 * kVectorBytes), weights = load<U8>(entry + 3 * kVectorBytes);
+        U16 sums[Planes][2];
+#pragma GCC unroll 4
+        for (int i = 0; i < Planes; i++) {
+            const U8 first = pairs<R>(columns, rows.of[i], group, first_indices);
+            const U8 second = pairs<R>(columns, rows.of[i], group + kLanes, indices);
+            sums[i][0] = weigh_pairs(first, first_weights);
+            sums[i][1] = weigh_pairs(second, weights);
+        }
+#pragma GCC unroll 4
+        for (int i = 0; i < Planes; i++) {
+            store(out + i * outputs + group * kGroup, sums[i][0]);
+            store(out + i * outputs + (group + kLanes) * kGroup, sums[i][1]);
+        }
+    }
+}
+
 // Samples the rows of planes of one size, or of a packed picture, under one strip. Planes that are sampled together
 // share what is worked out of places and weights.
 template <class Pixel, int PerPixel, int Planes = 1>
@@ -122,11 +150,11 @@ public:
         const RowNumbers rows(y, shift_);
         lower_weight_ = static_cast<uint16_t>(rows.eighths);
         if (kKeepAlways || columns_.strip.kept) {
-            upper_sums_ = sums(rows.upper);
-            lower_sums_ = sums(rows.lower);
+            sums_[0] = sums(rows.upper);
+            sums_[1] = sums(rows.lower);
         } else {
-            upper_ = window_bases(rows.upper);
-            lower_ = window_bases(rows.lower);
+            bases_[0] = window_bases(rows.upper);
+            bases_[1] = window_bases(rows.lower);
         }
         return true;
     }
@@ -135,7 +163,9 @@ public:
     // one behind those of the other.
     void write(int from, int to, uint8_t *out) const {
         if (kKeepAlways || columns_.strip.kept) {
-            kBlends[lower_weight_](upper_sums_ + from, lower_sums_ + from, Planes * (to - from), out);
+            const int first = lower_weight_ > 4 ? 1 : 0;
+            kBlends[first == 1 ? 8 - lower_weight_ : lower_weight_](sums_[first] + from, sums_[1 - first] + from,
+                                                                    Planes * (to - from), out);
         } else if (columns_.strip.wide) {
             sample<Reach::kTwoWindows>(from, to, out);
         } else {
@@ -158,7 +188,7 @@ private:
         return bases;
     }
 
-    Places<Planes> collected(int64_t row) {
+    [[gnu::noinline]] Places<Planes> collected(int64_t row) {
         bool present;
         uint8_t *buffer = collected_.find(row, present);
         Places<Planes> bases;
@@ -197,40 +227,19 @@ private:
         if (columns_.strip.fetch == Fetch::kGather) {
             if constexpr (Pixel::kMemory == 4) sample_across<Reach::kGathered>(columns_, source, buffer);
         } else if (Pixel::kMemory != 4 && columns_.strip.wide) {
-            sample_across<Reach::kTwoWindows>(columns_, source, buffer);
+            // Seldom, so that planes need not have a function of their own.
+            for (int i = 0; i < Planes; i++) {
+                const Places<1> plane = {{source.of[i]}};
+                sample_across<Reach::kTwoWindows>(columns_, plane, buffer + i * columns_.outputs);
+            }
         } else {
             sample_across<Reach::kOneWindow>(columns_, source, buffer);
         }
     }
 
     template <Reach R>
-    static void sample_across(const Outputs &columns, const Places<Planes> rows, uint16_t *out) {
-        const uint8_t *entry = columns.table;
-        const ptrdiff_t outputs = columns.outputs;
-        // Two vectors at a time, of which a processor that keeps the order of instructions has one to do while it waits
-        // for the other.
-        for (ptrdiff_t group = 0; group * kGroup < outputs; group += 2 * kLanes, entry += 4 * kVectorBytes) {
-            const U8 first_indices = load<U8>(entry), first_weights = load<U8>(entry + kVectorBytes);
-            const U8 indices = load<U8>(entry + 2 * kVectorBytes), weights = load<U8>(entry + 3 * kVectorBytes);
-            U16 sums[Planes][2];
-#pragma GCC unroll 4
-            for (int i = 0; i < Planes; i++) {
-                const U8 first = pairs<R>(columns, rows.of[i], group, first_indices);
-                const U8 second = pairs<R>(columns, rows.of[i], group + kLanes, indices);
-                sums[i][0] = weigh_pairs(first, first_weights);
-                sums[i][1] = weigh_pairs(second, weights);
-            }
-#pragma GCC unroll 4
-            for (int i = 0; i < Planes; i++) {
-                store(out + i * outputs + group * kGroup, sums[i][0]);
-                store(out + i * outputs + (group + kLanes) * kGroup, sums[i][1]);
-            }
-        }
-    }
-
-    template <Reach R>
     void sample(int from, int to, uint8_t *out) const {
-        const RowsAcross<Outputs, Planes> rows(columns_, upper_, lower_, lower_weight_);
+        const RowsAcross<Outputs, Planes> rows(columns_, bases_[0], bases_[1], lower_weight_);
         const ptrdiff_t end = to / kGroup, outputs = to - from;
         for (ptrdiff_t group = from / kGroup; group < end; group += 2 * kLanes, out += kUnit) {
             U8 units[Planes];
@@ -246,8 +255,9 @@ private:
     const int shift_;
     int64_t eighth_ = -1;
     uint16_t lower_weight_ = 0;
-    Places<Planes> upper_, lower_;
-    const uint16_t *upper_sums_ = nullptr, *lower_sums_ = nullptr;
+    // Of the upper row and of the lower one.
+    Places<Planes> bases_[2];
+    const uint16_t *sums_[2] = {};
     RowPair<uint8_t, Planes * kBufferBytes> collected_;
     RowPair<uint16_t, Planes * Outputs::kMaxOutputs> kept_;
 };

@@ -44,10 +44,18 @@ CopyRows block_copier(int32_t sample_bytes, int32_t width) {
 
 }  // namespace
 
+// Where the build has one set of kernels, these are exported themselves.
+#ifndef QORV_ONLY_SET
+
 extern "C" void qorv_mset_x128(void *dst, int32_t value, int32_t n) {
-    const int64_t rounded = (static_cast<int64_t>(n) + 127) & ~int64_t{127};
-    fill(dst, value, rounded > 128 ? rounded : 128);
+    active.memory->mset_x128(dst, value, n);
 }
+
+extern "C" void qorv_mset16(void *dst, uint16_t value, int32_t n) {
+    active.memory->mset16(dst, value, n);
+}
+
+#endif
 
 extern "C" void qorv_mset_x64(void *dst, int32_t value, size_t n) {
     memset(dst, value, n);
@@ -67,10 +75,6 @@ extern "C" void qorv_mset_x32ax4(void *dst, int32_t value, int32_t n) {
 
 extern "C" void qorv_mclr_x64(void *dst, int32_t n) {
     fill(dst, 0, n);
-}
-
-extern "C" void qorv_mset16(void *dst, uint16_t value, int32_t n) {
-    if (n > 0) active.memory->fill16(dst, value, static_cast<size_t>(n));
 }
 
 extern "C" void qorv_mcpy_pic(void *dst, const void *src, int32_t dst_stride, int32_t src_stride, int32_t width,

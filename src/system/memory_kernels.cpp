@@ -3,56 +3,65 @@
 #include "core/hide_origin.h"
 #include "core/isa.h"
 #include "core/simd.h"
+#include "qorv_skia.h"
 
 namespace qorv::QORV_ISA {
 
 namespace {
 
-// Fills of at least a vector. Up to eight vectors are stored from both ends, overlapping in the middle. Between the
-// first and the last vector of a longer run the stores are aligned: those that cross a cache line take several times as
-// long.
+// By the vector's own type: of a copy of its bytes g++ makes one of two general registers.
 template <class V>
-[[gnu::always_inline]] inline void fill_vectors(uint8_t *dst, uint16_t value, size_t bytes) {
-    const V ends = splat<V>(value);
-    uint8_t *last = dst + bytes - sizeof(V);
-    store(dst, ends);
-    store(last, ends);
-    if (bytes <= 2 * sizeof(V)) return;
-    if (bytes <= 8 * sizeof(V)) {
-        store(dst + sizeof(V), ends);
-        store(last - sizeof(V), ends);
-        if (bytes <= 4 * sizeof(V)) return;
-        for (size_t i = 2; i < 4; i++) {
-            store(dst + i * sizeof(V), ends);
-            store(last - i * sizeof(V), ends);
-        }
-        return;
-    }
-    const size_t head = sizeof(V) - reinterpret_cast<uintptr_t>(dst) % sizeof(V);
-    const V body = head % 2 == 0 ? ends : splat<V>(value << 8 | value >> 8);
-    dst += head;
-    for (; dst + 3 * sizeof(V) < last; dst += 4 * sizeof(V)) {
-        for (size_t i = 0; i < 4; i++) store(dst + i * sizeof(V), body);
-    }
-    for (; dst < last; dst += sizeof(V)) store(dst, body);
+[[gnu::always_inline]] inline void store_vector(uint8_t *p, V v) {
+    struct [[gnu::packed, gnu::may_alias]] Anywhere {
+        V v;
+    };
+    reinterpret_cast<Anywhere *>(p)->v = v;
 }
 
-void fill16(void *dst, uint16_t value, size_t n) {
-    uint8_t *bytes = static_cast<uint8_t *>(dst);
-    if (n >= sizeof(U16) / 2) return fill_vectors<U16>(bytes, value, 2 * n);
-    if (n >= 8) return fill_vectors<Vec<uint16_t, 16>>(bytes, value, 2 * n);
-    if (n >= 4) return fill_vectors<Vec<uint16_t, 8>>(bytes, value, 2 * n);
-    for (size_t i = 0; i < n; i++) memcpy(bytes + 2 * i, &value, 2);
+// Fills of one vector or two, overlapping in the middle.
+template <class V>
+[[gnu::always_inline]] inline void fill_ends(uint8_t *dst, V v, uint8_t *end) {
+    store_vector(dst, v);
+    store_vector(end - sizeof(V), v);
+}
+
+// Fills of at least a vector. Up to eight vectors are stored from both ends, overlapping in the middle. In a longer run
+// all but the first two and the last four are aligned: stores that cross a cache line take several times as long.
+template <class V>
+[[gnu::always_inline]] inline void fill_vectors(uint8_t *dst, uint16_t value, uint8_t *end) {
+    constexpr ptrdiff_t kStep = sizeof(V);
+    const ptrdiff_t bytes = end - dst;
+    const V ends = splat<V>(value);
+    fill_ends(dst, ends, end);
+    if (bytes <= 2 * kStep) return;
+    fill_ends(dst + kStep, ends, end - kStep);
+    if (bytes <= 4 * kStep) return;
+    store_vector(end - 3 * kStep, ends);
+    store_vector(end - 4 * kStep, ends);
+    if (bytes <= 8 * kStep) {
+        store_vector(dst + 2 * kStep, ends);
+        store_vector(dst + 3 * kStep, ends);
+        return;
+    }
+    const ptrdiff_t head = 2 * kStep - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % sizeof(V));
+    const V body = head % 2 == 0 ? ends : splat<V>(value << 8 | value >> 8);
+    for (dst += head; dst < end - 4 * kStep; dst += 4 * kStep) {
+        for (int i = 0; i < 4; i++) store_vector(dst + i * kStep, body);
+    }
+}
+
+// Bytes that are only copied: a compiler would take them through general registers, or call memset.
+template <class V>
+[[gnu::always_inline]] inline V only_copied(V v) {
+#ifndef QORV_SIMD_PLAIN
+    if constexpr (sizeof(V) >= 16) hide_origin(v);
+#endif
+    return v;
 }
 
 template <int Bytes>
 [[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_piece(const uint8_t *src) {
-    auto piece = load<Vec<uint8_t, Bytes>>(src);
-#ifndef QORV_SIMD_PLAIN
-    // A compiler would take vectors that are only copied through pairs of general registers.
-    if constexpr (Bytes >= 16) hide_origin(piece);
-#endif
-    return piece;
+    return only_copied(load<Vec<uint8_t, Bytes>>(src));
 }
 
 template <class V>
@@ -116,8 +125,53 @@ constexpr void list_copiers(CopyRows *copiers) {
     if constexpr (Place + 1 < kBlockWidthCount) list_copiers<Bytes, Place + 1>(copiers);
 }
 
+}  // namespace
+
+}  // namespace qorv::QORV_ISA
+
+// Where the build has one set, its kernel is the exported function itself, without a jump through a table.
+#ifdef QORV_ONLY_SET
+#define QORV_KERNEL(member) qorv_##member
+using namespace qorv::QORV_ISA;
+#else
+#define QORV_KERNEL(member) member
+namespace qorv::QORV_ISA {
+namespace {
+#endif
+
+void QORV_KERNEL(mset16)(void *dst, uint16_t value, int32_t n) {
+    uint8_t *bytes = static_cast<uint8_t *>(dst), *end = bytes + 2 * ptrdiff_t{n};
+    if (n >= kVectorBytes / 2) return fill_vectors<U16>(bytes, value, end);
+    if (n >= 8) return fill_ends(bytes, splat<Vec<uint16_t, 16>>(value), end);
+    if (n >= 4) return fill_ends(bytes, splat<Vec<uint16_t, 8>>(value), end);
+    for (int32_t i = 0; i < n; i++) memcpy(bytes + 2 * i, &value, 2);
+}
+
+void QORV_KERNEL(mset_x128)(void *dst, int32_t value, int32_t n) {
+    constexpr int kPiece = 128, kMost = 1024;  // of more, the C library has them sooner
+    if (n > kMost) {
+        memset(dst, value, (static_cast<size_t>(n) + kPiece - 1) / kPiece * kPiece);
+        return;
+    }
+    const U8 all = only_copied(splat<U8>(value));
+    for (uint8_t *to = static_cast<uint8_t *>(dst);; to += kPiece, n -= kPiece) {
+#pragma GCC unroll 8
+        for (int i = 0; i < kPiece; i += kVectorBytes) store_vector(to + i, all);
+        if (n <= kPiece) return;
+    }
+}
+
+#ifndef QORV_ONLY_SET
+}  // namespace
+}  // namespace qorv::QORV_ISA
+#endif
+
+namespace qorv::QORV_ISA {
+
+namespace {
+
 constexpr MemoryKernels list_kernels() {
-    MemoryKernels kernels = {fill16, {}};
+    MemoryKernels kernels = {QORV_KERNEL(mset16), QORV_KERNEL(mset_x128), {}};
     list_copiers<1>(kernels.copy_rows[0]);
     list_copiers<2>(kernels.copy_rows[1]);
     return kernels;

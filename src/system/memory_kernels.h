@@ -1,4 +1,4 @@
-// The memory routines that gain from wide registers. Byte fills and long copies are the C library's.
+// The memory routines that gain from wide registers. Other byte fills and long copies are the C library's.
 #pragma once
 
 #include <stddef.h>
@@ -14,8 +14,9 @@ constexpr size_t kBlockWidthCount = sizeof kBlockWidths;
 using CopyRows = void (*)(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t rows);
 
 struct MemoryKernels {
-    // Fills `n` samples; dst has any alignment.
-    void (*fill16)(void *dst, uint16_t value, size_t n);
+    // As the exported functions.
+    void (*mset16)(void *dst, uint16_t value, int32_t n);
+    void (*mset_x128)(void *dst, int32_t value, int32_t n);
     // Block copies of 8-bit and of 16-bit samples, in the order of kBlockWidths.
     CopyRows copy_rows[2][kBlockWidthCount];
 };

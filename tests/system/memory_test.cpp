@@ -39,8 +39,6 @@ void expect_fill(size_t bytes, uint16_t pattern, Fill fill) {
 TEST(ByteFills, WriteTheStatedExtents) {
     for (int32_t n : {-1, 0, 1, 31, 32, 40, 63, 64, 70, 100, 127, 128, 129, 200, 256, 5000}) {
         const size_t exact = n > 0 ? static_cast<size_t>(n) : 0;
-        const size_t x128 = n > 128 ? (exact + 127) / 128 * 128 : 128;
-        expect_fill(x128, 0xABAB, [n](void *dst) { qorv_mset_x128(dst, 0xFAB, n); });
         expect_fill(exact, 0xABAB, [exact](void *dst) { qorv_mset_x64(dst, 0xFAB, exact); });
         expect_fill(exact, 0xABAB, [exact](void *dst) { qorv_mset_x64a(dst, 0xFAB, exact); });
         expect_fill(exact, 0xABAB, [n](void *dst) { qorv_mset_x32(dst, 0xFAB, n); });
@@ -55,6 +53,13 @@ TEST_P(MemoryKernels, Mset16WritesExactlyTheSamples) {
         expect_fill(bytes, 0xBEEF, [n](void *dst) { qorv_mset16(dst, 0xBEEF, n); });
     }
     expect_fill(200002, 0x1234, [](void *dst) { qorv_mset16(dst, 0x1234, 100001); });
+}
+
+TEST_P(MemoryKernels, MsetX128WritesWholePieces) {
+    for (int32_t n : {INT32_MIN, -1, 0, 1, 127, 128, 129, 256, 300, 1000, 1024, 1025, 5000}) {
+        const size_t pieces = n > 128 ? (static_cast<size_t>(n) + 127) / 128 : 1;
+        expect_fill(128 * pieces, 0xABAB, [n](void *dst) { qorv_mset_x128(dst, 0xFAB, n); });
+    }
 }
 
 // A copy of rows, in bytes, as the functions under test should make it.
