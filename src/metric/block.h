@@ -93,9 +93,6 @@ template <int Width, int Count, int Bytes, class T>
 [[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_column(const Rows<T> &rows, int y, int x) {
     using Word = typename WordOf<Width>::type;
     using V = Vec<Word, Bytes>;
-#ifdef QORV_SIMD_NEON
-    if constexpr (Bytes == 8 && Width == 4 && Count == 1) return load_word(rows.at(y, x));
-#endif
     const auto word = [&](int i) __attribute__((always_inline)) {
         Word value;
         memcpy(&value, rows.at(y + i, x), sizeof value);
@@ -122,6 +119,17 @@ template <int Width, int Count, int Bytes, class T>
         return load_column<Width, Count, Bytes>(rows, y, x);
     }
 }
+
+#ifdef QORV_SIMD_NEON
+// A row of 4, 8 or 16 bytes in a vector of its own, the whole width of its strip. The first of the rows at hand needs
+// no offset, nor does any other whose address is made before.
+template <int Width, bool WithAddress, class T>
+[[gnu::always_inline]] inline auto load_row(const Rows<T> &rows, int y) {
+    constexpr int kBytes = Width == 4 ? 8 : Width;
+    if (WithAddress || y == 0) return load_unscaled<Vec<uint8_t, kBytes>, Width>(rows.at(y));
+    return load_bytes<Width, 1, kBytes>(rows, y, 0);
+}
+#endif
 
 // `Count` rows of `Width` samples in 16-bit lanes in the same way.
 template <int Width, int Count, int Bytes, class T>
@@ -203,25 +211,52 @@ private:
     Rows<T> side_[Sides];
 };
 
+// One vector as the metric loads it, or two of a row.
+template <int Columns, int Count, class Metric, class V, class T>
+[[gnu::always_inline]] inline void load_piece(V (&v)[1], const Metric &metric, const Rows<T> &rows, int y, int x) {
+    v[0] = metric.template load<Columns, Count>(rows, y, x);
+}
+#ifdef QORV_SIMD_NEON
+template <int, int, class Metric, class V, class T>
+[[gnu::always_inline]] inline void load_piece(V (&v)[2], const Metric &, const Rows<T> &rows, int y, int x) {
+    load_pair(rows.at(y, x), v);
+}
+#endif
+
 // Walks `rows` rows of two strips, `Step` rows a step, and those that are left in steps of half as many. For vector k
 // of a step it calls metric.add(k, i, a, b), i being the vector's number in its row, all of a row's sides counted; at
 // the end of the step metric.end_step(how many vectors).
 template <int Step, int Sides, class Metric, class A, class B>
 [[gnu::always_inline]] inline void walk(Metric &metric, Strip<A, Sides> &a, Strip<B, Sides> &b, int32_t rows) {
     using S = typename Metric::S;
-    constexpr int kInRow = Sides * S::kAcross;
+    constexpr int kInRow = Sides * S::kAcross, kPiece = Metric::kInPairs ? 2 : 1;
     static_assert(is_power_of_two(Step));
     for (; rows >= Step; rows -= Step) {
+        constexpr int kVectors = Step / smaller(S::kRows, Step) * kInRow;
+        typename Metric::V loaded_a[kPiece], loaded_b[kPiece];  // added behind the next loads, which they hide
+        const auto add_loaded = [&](int k) __attribute__((always_inline)) {
+            unrolled<kPiece>([&](int i) __attribute__((always_inline)) {
+                metric.add(k + i, (k + i) % kInRow, loaded_a[i], loaded_b[i]);
+            });
+        };
         const auto add = [&](auto together, int y, int first) __attribute__((always_inline)) {
-            unrolled<kInRow>([&](int i) __attribute__((always_inline)) {
+            unrolled<kInRow / kPiece>([&](int piece) __attribute__((always_inline)) {
+                const int i = kPiece * piece, k = Sides * first + i;
                 const int side = i / S::kAcross, x = i % S::kAcross * S::kColumns;
-                metric.add(Sides * first + i, i, metric.template load<S::kColumns, together.value>(a[side], y, x),
-                           metric.template load<S::kColumns, together.value>(b[side], y, x));
+                typename Metric::V next_a[kPiece], next_b[kPiece];
+                load_piece<S::kColumns, together.value>(next_a, metric, a[side], y, x);
+                load_piece<S::kColumns, together.value>(next_b, metric, b[side], y, x);
+                if (k > 0) add_loaded(k - kPiece);
+                unrolled<kPiece>([&](int j) __attribute__((always_inline)) {
+                    loaded_a[j] = next_a[j];
+                    loaded_b[j] = next_b[j];
+                });
             });
         };
         for_each_row<S, Step>(
             add, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n); });
-        metric.end_step(Step / smaller(S::kRows, Step) * kInRow);
+        add_loaded(kVectors - kPiece);
+        metric.end_step(kVectors);
     }
     if constexpr (Step > 1) walk<Step / 2>(metric, a, b, rows);
 }

@@ -28,9 +28,12 @@ struct Span {
 };
 
 // Stores the first `Count` rows of `Width` lanes of a vector.
-template <int Width, int Count, class V>
+template <int Width, int Count, bool Alone, class V>
 [[gnu::always_inline]] inline void store_rows(const Rows<int16_t> &out, int y, int x, V v) {
     if constexpr (2 * Width == sizeof v) {
+#ifdef QORV_SIMD_NEON
+        if constexpr (Alone) return store_alone(out.at(y, x), (Vec<uint8_t, 16>)v);
+#endif
         store(out.at(y, x), v);
     } else {
         unrolled<Count>([&](int i) __attribute__((always_inline)) {
@@ -47,11 +50,19 @@ template <class S, int Count, class V, class A, class B>
 #ifdef QORV_SIMD_NEON
     if constexpr (S::kAcross > 1 && sizeof(A) + sizeof(B) == 2) {  // whole vectors of bytes give two each
         return unrolled<S::kAcross / 2>([&](int i) __attribute__((always_inline)) {
-            const auto va = load<Vec<uint8_t, 16>>(a.at(y, 16 * i));
-            const auto vb = load<Vec<uint8_t, 16>>(b.at(y, 16 * i));
+            const auto load_at = [&](const auto &rows) __attribute__((always_inline)) {
+                if constexpr (S::kAcross == 2) return load_row<16, true>(rows, y);
+                return load<Vec<uint8_t, 16>>(rows.at(y, 16 * i));
+            };
+            const auto va = load_at(a), vb = load_at(b);
             d[2 * i] = subtract_widened<false>(va, vb);
             d[2 * i + 1] = subtract_widened<true>(va, vb);
         });
+    }
+    if constexpr (S::kAcross == 1 && Count == 1 && S::kColumns >= 4 && sizeof(A) + sizeof(B) == 2) {
+        constexpr bool kWithAddress = S::kColumns == 4 && kMakesAddressesOfWords;
+        d[0] = subtract_widened(load_row<S::kColumns, kWithAddress>(a, y), load_row<S::kColumns, kWithAddress>(b, y));
+        return;
     }
 #endif
     unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
@@ -59,17 +70,17 @@ template <class S, int Count, class V, class A, class B>
     });
 }
 
-template <class S, int Count, class V>
+template <class S, int Count, bool OfBytes, class V>
 [[gnu::always_inline]] inline void store_vectors(const Rows<int16_t> &out, int y, const V (&d)[S::kAcross]) {
 #ifdef QORV_SIMD_NEON
     if constexpr (S::kAcross > 1) {
         return unrolled<S::kAcross / 2>([&](int i) __attribute__((always_inline)) {
-            store_pair(out.at(y, 16 * i), d[2 * i], d[2 * i + 1]);
+            store_pair<OfBytes>(out.at(y, 16 * i), d[2 * i], d[2 * i + 1]);
         });
     }
 #endif
     unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
-        store_rows<S::kColumns, Count>(out, y, i * S::kColumns, d[i]);
+        store_rows<S::kColumns, Count, S::kAcross == 1>(out, y, i * S::kColumns, d[i]);
     });
 }
 
@@ -84,7 +95,7 @@ template <int Width, int Step, int Sides, class A, class B>
         unrolled<Sides>([&](int side) __attribute__((always_inline)) {
             Vec<int16_t, kBytes> d[S::kAcross];
             load_differences<S, together.value>(d, a[side], b[side], y);
-            store_vectors<S, together.value>(out[side], y, d);
+            store_vectors<S, together.value, sizeof(A) + sizeof(B) == 2>(out[side], y, d);
         });
     };
     for (; rows >= Step; rows -= Step) {

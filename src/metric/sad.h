@@ -15,6 +15,12 @@ constexpr Term kMagnitudes = Term::kMagnitudes, kSquares = Term::kSquares;
 template <Term term, class Lane, int Width, int Sides>
 struct StripSum;
 
+template <int Count, class V>
+[[gnu::always_inline]] inline V added(const V *v) {
+    if constexpr (Count > 1) return added<Count / 2>(v) + added<Count / 2>(v + Count / 2);
+    return *v;
+}
+
 // Both sums of bytes: `Narrow` is the width below which a full register is more than is needed.
 template <int Width, int Narrow>
 struct ByteSum {
@@ -22,14 +28,20 @@ struct ByteSum {
     static constexpr int kBytes = kSingle ? 8 : Width < Narrow ? 16 : kVectorBytes;
     using S = Shape<Width, kBytes, kSingle ? 1 : 4>;
     static constexpr int kCount = S::kAcross > 1 ? kSums : 2;  // of sums that take turns
+    static constexpr bool kInPairs = kSingleRows && S::kAcross == 2;
     using V = Vec<uint8_t, kBytes>;
     using Sample = uint8_t;
     template <int Columns, int Count, class T>
     [[gnu::always_inline]] static V load(const Rows<T> &rows, int y, int x) {
+#ifdef QORV_SIMD_NEON
+        if constexpr (kSingle && Count == 1) return load_row<Columns, false>(rows, y);
+#endif
         return load_bytes<Columns, Count, kBytes>(rows, y, x);
     }
     [[gnu::always_inline]] void end_step(int) {}
-    static constexpr bool exact() { return true; }
+    static constexpr bool exact() {
+        return true;
+    }
 };
 
 template <int Width, int Sides>
@@ -44,13 +56,12 @@ struct StripSum<kMagnitudes, uint8_t, Width, Sides> : ByteSum<Width, 32> {
 
     [[gnu::always_inline]] void add(int k, int, V a, V b) { add_byte_distances(sum[k % kCount], a, b); }
     [[gnu::always_inline]] uint32_t total() const {
-        if constexpr (2 * kMaxDistances > kMaxByteDistances) return sum_lanes(sum[0]) + sum_lanes(sum[1]);
-        if constexpr (kCount == 2) return sum_lanes(sum[0] + sum[1]);
-        if constexpr (kCount == 4) {
-            const auto first = sum[0] + sum[1], second = sum[2] + sum[3];
-            if constexpr (4 * kMaxDistances > kMaxByteDistances) return sum_lanes(first) + sum_lanes(second);
-            return sum_lanes(first + second);
-        }
+        constexpr int kTogether = smaller(kCount, power_of_two_up_to(kMaxByteDistances / kMaxDistances));
+        uint32_t all = 0;
+        unrolled<kCount / kTogether>([&](int i) __attribute__((always_inline)) {
+            all += sum_lanes(added<kTogether>(sum + i * kTogether));
+        });
+        return all;
     }
 };
 
@@ -101,6 +112,7 @@ struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
     using S = Shape<Width, kBytes / 2>;
     using Sample = int16_t;
     static constexpr int kVectors = 16;
+    static constexpr bool kInPairs = false;
     template <int Columns, int Count, class T>
     [[gnu::always_inline]] V load(const Rows<T> &rows, int y, int x) const {
         if constexpr (kSingleRows && Width > 8 && sizeof(T) == 2) {

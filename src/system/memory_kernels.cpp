@@ -61,11 +61,17 @@ template <class V>
 
 template <int Bytes>
 [[gnu::always_inline]] inline Vec<uint8_t, Bytes> load_piece(const uint8_t *src) {
+#ifdef QORV_SIMD_NEON
+    if constexpr (Bytes == 16) return load_unscaled<Vec<uint8_t, Bytes>>(src);
+#endif
     return only_copied(load<Vec<uint8_t, Bytes>>(src));
 }
 
 template <class V>
 [[gnu::always_inline]] inline void store_piece(uint8_t *dst, const V &piece) {
+#ifdef QORV_SIMD_NEON
+    if constexpr (sizeof piece == 16) return store_alone(dst, piece);
+#endif
     store(dst, piece);
 }
 
@@ -108,13 +114,15 @@ void copy_rows(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_s
     uint8_t *to = static_cast<uint8_t *>(dst);
     const uint8_t *from = static_cast<const uint8_t *>(src);
     if (rows < 1) return;
-    if (rows % 2 != 0) {  // first: behind the loop its pointers would have to be there
+    constexpr int kTogether = Bytes == 16 ? 4 : 2;
+    // The rows that are left over first: behind the loop its pointers would have to be there.
+    for (; rows % kTogether != 0; rows--, from += src_stride, to += dst_stride) {
         copy_together<Bytes, 1>(to, from, dst_stride, src_stride);
-        to += dst_stride;
-        from += src_stride;
     }
-    for (rows /= 2; rows > 0; rows--, from += 2 * src_stride, to += 2 * dst_stride) {
-        copy_together<Bytes, 2>(to, from, dst_stride, src_stride);
+    ptrdiff_t src_step = kTogether * src_stride;
+    hide_origin(src_step);  // clang would add row by row, each addition waiting for the one before it
+    for (rows /= kTogether; rows > 0; rows--, from += src_step, to += kTogether * dst_stride) {
+        copy_together<Bytes, kTogether>(to, from, dst_stride, src_stride);
     }
 }
 
