@@ -27,16 +27,17 @@ constexpr int smaller(int a, int b) {
 
 // Rows that addressing modes reach from one pointer, if a row is one vector, and if it is more; whether a narrow row of
 // bytes is loaded by itself into a vector of 8 bytes, where several are put together elsewhere; how many sums it takes
-// that an addition need not wait for the one before it; how many vectors make a step of an area of any size.
+// that an addition need not wait for the one before it; how many vectors make a step of an area of any size; whether
+// the next vectors are loaded before the last ones are added, where a compiler does not know how long a load takes.
 #if defined(QORV_SIMD_NEON)
 constexpr int kRowsAtHand = 2, kWideRowsAtHand = 1, kSums = 4, kAreaVectors = 1;
-constexpr bool kSingleRows = true;
+constexpr bool kSingleRows = true, kLoadsAhead = true;
 #elif defined(QORV_SIMD_X86)
 constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2, kSums = 2, kAreaVectors = 2;
-constexpr bool kSingleRows = false;
+constexpr bool kSingleRows = false, kLoadsAhead = false;
 #else
 constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4, kSums = 2, kAreaVectors = 1;
-constexpr bool kSingleRows = false;
+constexpr bool kSingleRows = false, kLoadsAhead = false;
 #endif
 
 constexpr bool is_power_of_two(int n) {
@@ -233,7 +234,7 @@ template <int Step, int Sides, class Metric, class A, class B>
     static_assert(is_power_of_two(Step));
     for (; rows >= Step; rows -= Step) {
         constexpr int kVectors = Step / smaller(S::kRows, Step) * kInRow;
-        typename Metric::V loaded_a[kPiece], loaded_b[kPiece];  // added behind the next loads, which they hide
+        typename Metric::V loaded_a[kPiece], loaded_b[kPiece];
         const auto add_loaded = [&](int k) __attribute__((always_inline)) {
             unrolled<kPiece>([&](int i) __attribute__((always_inline)) {
                 metric.add(k + i, (k + i) % kInRow, loaded_a[i], loaded_b[i]);
@@ -246,16 +247,17 @@ template <int Step, int Sides, class Metric, class A, class B>
                 typename Metric::V next_a[kPiece], next_b[kPiece];
                 load_piece<S::kColumns, together.value>(next_a, metric, a[side], y, x);
                 load_piece<S::kColumns, together.value>(next_b, metric, b[side], y, x);
-                if (k > 0) add_loaded(k - kPiece);
+                if (kLoadsAhead && k > 0) add_loaded(k - kPiece);
                 unrolled<kPiece>([&](int j) __attribute__((always_inline)) {
                     loaded_a[j] = next_a[j];
                     loaded_b[j] = next_b[j];
                 });
+                if (!kLoadsAhead) add_loaded(k);
             });
         };
         for_each_row<S, Step>(
             add, [&](int n) __attribute__((always_inline)) { a.skip(n), b.skip(n); });
-        add_loaded(kVectors - kPiece);
+        if (kLoadsAhead) add_loaded(kVectors - kPiece);
         metric.end_step(kVectors);
     }
     if constexpr (Step > 1) walk<Step / 2>(metric, a, b, rows);

@@ -79,6 +79,15 @@ template <class V>
 constexpr int kMostBytes = 64;
 
 template <int Bytes>
+requires(Bytes == 32) [[gnu::always_inline]] inline uint8x16x2_t load_piece(const uint8_t *src) {
+    return vld1q_u8_x2(src);
+}
+
+[[gnu::always_inline]] inline void store_piece(uint8_t *dst, const uint8x16x2_t &piece) {
+    vst1q_u8_x2(dst, piece);
+}
+
+template <int Bytes>
 requires(Bytes == 64) [[gnu::always_inline]] inline uint8x16x4_t load_piece(const uint8_t *src) {
     return vld1q_u8_x4(src);
 }
@@ -91,7 +100,9 @@ constexpr int kMostBytes = kVectorBytes;
 #endif
 
 constexpr int largest_piece(int bytes) {
-    return bytes >= kMostBytes ? kMostBytes : bytes >= 16 ? 16 : bytes >= 8 ? 8 : bytes >= 4 ? 4 : 2;
+    int piece = kMostBytes;
+    while (piece > bytes) piece /= 2;
+    return piece;
 }
 
 // Copies rows in the fewest loads and stores, none of them beyond a row. What is loaded is stored after all that comes
