@@ -2,7 +2,15 @@
 // of which one is included before. Kernel sources only.
 #pragma once
 
+#include "core/hide_origin.h"
+
 namespace qorv::QORV_ISA {
+
+// A formula so short that a block waits for its loads goes over two at a time.
+template <class Source, class Colour, class Dest>
+constexpr bool kInPairs = requires {
+    Colour::kShort;
+};
 
 // Pointers to a row.
 template <Layout kLayout, class Byte>
@@ -29,17 +37,17 @@ void convert(const void *const *src, const int32_t *src_stride, void *const *dst
     const auto block = [&](ptrdiff_t x) __attribute__((always_inline)) {
         Access<Dest>::store(to.p, x, Colour::apply(Access<Source>::load(from.p, x)));
     };
-    // A formula so short that a block waits for its loads goes over two at a time.
-    constexpr bool kInPairs = kBlock > 1 && requires {
-        Colour::kShort;
-    };
+    constexpr bool kPairs = kBlock > 1 && kInPairs<Source, Colour, Dest>;
     for (;;) {
         ptrdiff_t x = 0;
-        for (; kInPairs && x <= w - kBlocksAhead * kBlock; x += kBlocksAhead * kBlock) {
+        for (; kPairs && x <= w - kBlocksAhead * kBlock; x += kBlocksAhead * kBlock) {
+            ptrdiff_t next = x + kBlock;
+            // Or the two loads of every plane become one, which takes an in-order core longer.
+            if constexpr (Source::layout.count > 1) hide_origin(next);
             const auto first = Colour::apply(Access<Source>::load(from.p, x));
-            const auto second = Colour::apply(Access<Source>::load(from.p, x + kBlock));
+            const auto second = Colour::apply(Access<Source>::load(from.p, next));
             Access<Dest>::store(to.p, x, first);
-            Access<Dest>::store(to.p, x + kBlock, second);
+            Access<Dest>::store(to.p, next, second);
         }
         for (; x <= w - kBlock; x += kBlock) block(x);
         // The rest once more as a whole block that ends with the row; what it repeats gets the same values.

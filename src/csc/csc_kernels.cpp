@@ -7,6 +7,11 @@
 
 namespace qorv::QORV_ISA {
 
+#ifdef QORV_SIMD_NEON
+template <class Dest>
+requires(sizeof Dest::order == 4) constexpr bool kInPairs<Planar4, SameColour, Dest> = true;
+#endif
+
 namespace {
 
 using Sixteen = Vec<uint8_t, 16>;
