@@ -295,7 +295,8 @@ TEST_P(Converters, ScalingOfEveryRatioArrangementAndStride) {
     const int32_t sizes[][4] = {{1, 1, 5, 3},     {1, 1, 1, 1},    {40, 30, 40, 30}, {40, 30, 20, 15}, {31, 22, 97, 41},
                                 {97, 41, 31, 22}, {300, 9, 8, 30}, {9, 300, 30, 8},  {513, 8, 512, 9}, {8192, 2, 3, 2},
                                 {2, 8192, 2, 3},  {64, 5, 600, 2}, {900, 5, 300, 4}, {700, 4, 300, 3}, {50, 40, 0, 9},
-                                {50, 40, 9, 0},   {50, 40, 9, -1}, {33, 33, 34, 34}, {16, 16, 32, 32}, {700, 3, 41, 2}};
+                                {50, 40, 9, 0},   {50, 40, 9, -1}, {33, 33, 34, 34}, {16, 16, 32, 32}, {700, 3, 41, 2},
+                                {2040, 3, 500, 3}};
     for (const CscScalingCase &c : csc_scaling_cases()) {
         for (const auto &[sw, sh, dw, dh] : sizes) {
             for (const Channels channels : {Channels::kCanonical, Channels::kReversed, Channels::kUnrelated}) {
