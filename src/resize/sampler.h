@@ -26,7 +26,7 @@ struct RowPair {
     }
 };
 
-// Bytes of two rows of brackets, kBlendBits higher, the second one weighed by `Eighths`; `count` is a multiple of kUnit.
+// Bytes of two rows of brackets, kBlendBits higher, the second weighed by `Eighths`; `count` is a multiple of kUnit.
 template <int Eighths>
 void blend(const uint16_t *first, const uint16_t *second, int count, uint8_t *out) {
     constexpr int kHalf = kUnit / 2;
@@ -74,7 +74,7 @@ struct Places {
     const uint8_t *of[Planes] = {};
 };
 
-// Two rows of samples in each plane, the lower one weighed by `eighths`. For all the compiler knows a store of bytes may
+// Two rows of samples in each plane, the lower weighed by `eighths`. For all the compiler knows a store of bytes may
 // change what is not in a local.
 template <class Outputs, int Planes = 1>
 struct RowsAcross {
