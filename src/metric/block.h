@@ -35,9 +35,11 @@ constexpr bool kSingleRows = true, kLoadsAhead = true;
 #elif defined(QORV_SIMD_X86)
 constexpr int kRowsAtHand = 4, kWideRowsAtHand = 2, kSums = 2, kAreaVectors = 2;
 constexpr bool kSingleRows = false, kLoadsAhead = false;
+constexpr int kMostTogether = 1;
 #else
 constexpr int kRowsAtHand = 4, kWideRowsAtHand = 4, kSums = 2, kAreaVectors = 1;
 constexpr bool kSingleRows = false, kLoadsAhead = false;
+constexpr int kMostTogether = 1;
 #endif
 
 constexpr bool is_power_of_two(int n) {
@@ -212,15 +214,16 @@ private:
     Rows<T> side_[Sides];
 };
 
-// One vector as the metric loads it, or two of a row.
+// One vector as the metric loads it, or all of a row.
 template <int Columns, int Count, class Metric, class V, class T>
 [[gnu::always_inline]] inline void load_piece(V (&v)[1], const Metric &metric, const Rows<T> &rows, int y, int x) {
     v[0] = metric.template load<Columns, Count>(rows, y, x);
 }
 #ifdef QORV_SIMD_NEON
-template <int, int, class Metric, class V, class T>
-[[gnu::always_inline]] inline void load_piece(V (&v)[2], const Metric &, const Rows<T> &rows, int y, int x) {
-    load_pair(rows.at(y, x), v);
+template <int, int, int Count, class Metric, class V, class T>
+requires(Count > 1)
+    [[gnu::always_inline]] inline void load_piece(V (&v)[Count], const Metric &, const Rows<T> &rows, int y, int x) {
+    load_together(rows.at(y, x), v);
 }
 #endif
 
@@ -230,7 +233,7 @@ template <int, int, class Metric, class V, class T>
 template <int Step, int Sides, class Metric, class A, class B>
 [[gnu::always_inline]] inline void walk(Metric &metric, Strip<A, Sides> &a, Strip<B, Sides> &b, int32_t rows) {
     using S = typename Metric::S;
-    constexpr int kInRow = Sides * S::kAcross, kPiece = Metric::kInPairs ? 2 : 1;
+    constexpr int kInRow = Sides * S::kAcross, kPiece = Metric::kTogether;
     static_assert(is_power_of_two(Step));
     for (; rows >= Step; rows -= Step) {
         constexpr int kVectors = Step / smaller(S::kRows, Step) * kInRow;

@@ -27,8 +27,8 @@ struct ByteSum {
     static constexpr bool kSingle = kSingleRows && (Width == 4 || Width == 8);
     static constexpr int kBytes = kSingle ? 8 : Width < Narrow ? 16 : kVectorBytes;
     using S = Shape<Width, kBytes, kSingle ? 1 : 4>;
-    static constexpr int kCount = S::kAcross > 1 ? kSums : 2;  // of sums that take turns
-    static constexpr bool kInPairs = kSingleRows && S::kAcross == 2;
+    static constexpr int kCount = S::kAcross > 1 ? kSums : 2;                       // of sums that take turns
+    static constexpr int kTogether = S::kAcross <= kMostTogether ? S::kAcross : 1;  // vectors that are loaded at once
     using V = Vec<uint8_t, kBytes>;
     using Sample = uint8_t;
     template <int Columns, int Count, class T>
@@ -56,10 +56,10 @@ struct StripSum<kMagnitudes, uint8_t, Width, Sides> : ByteSum<Width, 32> {
 
     [[gnu::always_inline]] void add(int k, int, V a, V b) { add_byte_distances(sum[k % kCount], a, b); }
     [[gnu::always_inline]] uint32_t total() const {
-        constexpr int kTogether = smaller(kCount, power_of_two_up_to(kMaxByteDistances / kMaxDistances));
+        constexpr int kAtOnce = smaller(kCount, power_of_two_up_to(kMaxByteDistances / kMaxDistances));
         uint32_t all = 0;
-        unrolled<kCount / kTogether>([&](int i) __attribute__((always_inline)) {
-            all += sum_lanes(added<kTogether>(sum + i * kTogether));
+        unrolled<kCount / kAtOnce>([&](int i) __attribute__((always_inline)) {
+            all += sum_lanes(added<kAtOnce>(sum + i * kAtOnce));
         });
         return all;
     }
@@ -112,7 +112,7 @@ struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
     using S = Shape<Width, kBytes / 2>;
     using Sample = int16_t;
     static constexpr int kVectors = 16;
-    static constexpr bool kInPairs = false;
+    static constexpr int kTogether = 1;
     template <int Columns, int Count, class T>
     [[gnu::always_inline]] V load(const Rows<T> &rows, int y, int x) const {
         if constexpr (kSingleRows && Width > 8 && sizeof(T) == 2) {
