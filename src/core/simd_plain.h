@@ -81,8 +81,8 @@ template <class Offset>
 // others, which are not touched.
 
 // NEON alone: load_unscaled(p), a vector, or fewer bytes with zeros after them; load_together(p, v), two vectors or four
-// one after the other; store_alone(p, v), a vector; store_pair(p, a, b), two of words; store_copied4(), what store_interleaved4()
-// does, for vectors that come straight from memory.
+// one after the other; store_alone(p, v), a vector; store_pair(p, a, b), two of words; store_copied4(), what
+// store_interleaved4() does, for vectors that come straight from memory.
 
 // ---- Arithmetic ----
 
