@@ -80,8 +80,8 @@ template <class Offset>
 // x86 with 32 bytes alone: load_groups(p, mask), those groups of 4 bytes whose mask has its top bit set, 0 for the
 // others, which are not touched.
 
-// NEON alone: load_unscaled(p), a vector, or fewer bytes with zeros after them; load_together(p, v), two vectors or four
-// one after the other; store_alone(p, v), a vector; store_pair(p, a, b), two of words; store_copied4(), what
+// NEON alone: load_unscaled(p), a vector, or fewer bytes with zeros after them; load_together(p, v), two vectors or
+// four one after the other; store_alone(p, v), a vector; store_pair(p, a, b), two of words; store_copied4(), what
 // store_interleaved4() does, for vectors that come straight from memory.
 
 // ---- Arithmetic ----
