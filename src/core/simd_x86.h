@@ -257,10 +257,16 @@ template <int A, int B, int C>
     }
 }
 
+// A sum less `Less`.
+template <int Less>
+struct Reduced {
+    Wide sum;
+};
+
 // 128 times a channel is -128 times it subtracted. Where a weight is above 127, the weights are the unsigned factor and
-// the pixels the signed one: 128 less each, which the constant makes good.
+// the pixels the signed one, 128 less each.
 template <int A, int B, int C>
-[[gnu::always_inline]] inline Wide weighted(const PackedPixels &v) {
+[[gnu::always_inline]] inline auto weighted(const PackedPixels &v) {
     const auto products = [](Wide pairs, int first, int second) __attribute__((always_inline)) {
         const Register weights = QORV_MM(set1_epi16)(static_cast<int16_t>(second * 256 + (first & 0xFF)));
         return Wide{(U16)QORV_MM(maddubs_epi16)((Register)pairs.lo, weights),
@@ -274,7 +280,7 @@ template <int A, int B, int C>
         const Register weights = QORV_MM(set1_epi16)(static_cast<int16_t>(B * 256 + A));
         const Wide less{(U16)QORV_MM(maddubs_epi16)(weights, (Register)(v.first.lo ^ 0x8080)),
                         (U16)QORV_MM(maddubs_epi16)(weights, (Register)(v.first.hi ^ 0x8080))};
-        return less + products(v.second, C, 0) + 128 * (A + B);
+        return Reduced<128 * (A + B)>{less + products(v.second, C, 0)};
     }
 }
 
@@ -309,6 +315,10 @@ template <int A, int B>
     return (Vec<uint16_t, 16>)_mm_max_epu16((__m128i)a, (__m128i)b);
 }
 
+[[gnu::always_inline]] inline Vec<uint32_t, 16> max_lanes(Vec<uint32_t, 16> a, Vec<uint32_t, 16> b) {
+    return (Vec<uint32_t, 16>)_mm_max_epu32((__m128i)a, (__m128i)b);
+}
+
 [[gnu::always_inline]] inline Vec<uint16_t, 16> abs_difference(Vec<int16_t, 16> a, Vec<int16_t, 16> b) {
     return (Vec<uint16_t, 16>)_mm_abs_epi16(_mm_subs_epi16((__m128i)a, (__m128i)b));
 }
@@ -329,6 +339,14 @@ template <int A, int B>
 
 [[gnu::always_inline]] inline Vec<uint16_t, 32> max_lanes(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
     return (Vec<uint16_t, 32>)_mm256_max_epu16((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline Vec<uint32_t, 32> max_lanes(Vec<uint32_t, 32> a, Vec<uint32_t, 32> b) {
+    return (Vec<uint32_t, 32>)_mm256_max_epu32((__m256i)a, (__m256i)b);
+}
+
+[[gnu::always_inline]] inline Vec<int16_t, 32> subtract_saturated(Vec<int16_t, 32> a, Vec<int16_t, 32> b) {
+    return (Vec<int16_t, 32>)_mm256_subs_epi16((__m256i)a, (__m256i)b);
 }
 
 [[gnu::always_inline]] inline Vec<uint16_t, 32> abs_difference(Vec<int16_t, 32> a, Vec<int16_t, 32> b) {
@@ -420,6 +438,13 @@ requires(Bytes == 32)
     return high_bytes(w + 128);
 }
 
+// What is missing are whole units of 256: one addition to bytes, where words would take two.
+template <int Less>
+[[gnu::always_inline]] inline U8 high_bytes_rounded(const Reduced<Less> &w) {
+    static_assert((Less + 128) % 256 == 0);
+    return high_bytes(w.sum) + static_cast<uint8_t>((Less + 128) / 256);
+}
+
 // The upper half of (256 v + low) x C: C low / 256 is what is added before the shift.
 template <int C>
 [[gnu::always_inline]] inline U8 high_bytes_of_product(U8 v, int low) {
@@ -487,6 +512,14 @@ template <int N>
     return (Vec<int16_t, 16>)_mm_cvtepu8_epi16((__m128i)a);
 }
 
+#if QORV_VECTOR_BYTES == 32
+
+[[gnu::always_inline]] inline Vec<int16_t, 32> widen(Vec<uint8_t, 16> a) {
+    return (Vec<int16_t, 32>)_mm256_cvtepu8_epi16((__m128i)a);
+}
+
+#endif
+
 // ---- Shuffle ----
 
 [[gnu::always_inline]] inline U8 shuffle(U8 v, U8 indices) {
@@ -516,8 +549,13 @@ requires(sizeof(V) == 16) [[gnu::always_inline]] inline void exchange(V &a, V &b
 
 template <int Bytes, class V>
 requires(sizeof(V) == 32) [[gnu::always_inline]] inline void exchange(V &a, V &b) {
-    static_assert(Bytes == 4 || Bytes == 8);
+    static_assert(Bytes == 4 || Bytes == 8 || Bytes == 16);
     const __m256i x = (__m256i)a, y = (__m256i)b;
+    if constexpr (Bytes == 16) {
+        a = (V)_mm256_permute2x128_si256(x, y, 0x20);
+        b = (V)_mm256_permute2x128_si256(x, y, 0x31);
+        return;
+    }
     a = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0x88) : (V)_mm256_unpacklo_epi64(x, y);
     b = Bytes == 4 ? (V)_mm256_shuffle_ps((__m256)x, (__m256)y, 0xDD) : (V)_mm256_unpackhi_epi64(x, y);
 }
@@ -556,8 +594,8 @@ using ByteSquares = Vec<uint32_t, Bytes>;
     sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, (__m128i)constant(kOnes));
 }
 
-[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 16> &sum, Vec<uint16_t, 16> a) {
-    sum += (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, (__m128i)a);
+[[gnu::always_inline]] inline Vec<uint32_t, 16> squares_of_pairs(Vec<int16_t, 16> a) {
+    return (Vec<uint32_t, 16>)_mm_madd_epi16((__m128i)a, (__m128i)a);
 }
 
 [[gnu::always_inline]] inline Vec<uint16_t, 16> max_of_pairs(Vec<uint16_t, 16> a, Vec<uint16_t, 16> b) {
@@ -573,6 +611,10 @@ using ByteSquares = Vec<uint32_t, Bytes>;
 
 [[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 16> a) {
     return (static_cast<uint32_t>(_mm_movemask_epi8((__m128i)a)) & 0xAAAAAAAA) != 0;
+}
+
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint32_t, 16> a) {
+    return _mm_movemask_ps((__m128)a) != 0;
 }
 
 [[gnu::always_inline]] inline uint32_t sum_lanes(Vec<int64_t, 16> a) {
@@ -605,8 +647,8 @@ using ByteSquares = Vec<uint32_t, Bytes>;
     sum += (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, (__m256i)constant(kOnes));
 }
 
-[[gnu::always_inline]] inline void add_squares(Vec<uint32_t, 32> &sum, Vec<uint16_t, 32> a) {
-    sum += (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, (__m256i)a);
+[[gnu::always_inline]] inline Vec<uint32_t, 32> squares_of_pairs(Vec<int16_t, 32> a) {
+    return (Vec<uint32_t, 32>)_mm256_madd_epi16((__m256i)a, (__m256i)a);
 }
 
 [[gnu::always_inline]] inline Vec<uint16_t, 32> max_of_pairs(Vec<uint16_t, 32> a, Vec<uint16_t, 32> b) {
@@ -617,6 +659,10 @@ using ByteSquares = Vec<uint32_t, Bytes>;
 
 [[gnu::always_inline]] inline bool top_bit_set(Vec<uint16_t, 32> a) {
     return (static_cast<uint32_t>(_mm256_movemask_epi8((__m256i)a)) & 0xAAAAAAAA) != 0;
+}
+
+[[gnu::always_inline]] inline bool top_bit_set(Vec<uint32_t, 32> a) {
+    return _mm256_movemask_ps((__m256)a) != 0;
 }
 
 template <class V>

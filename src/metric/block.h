@@ -141,6 +141,10 @@ template <int Width, int Count, int Bytes, class T>
         return (Vec<int16_t, Bytes>)load_bytes<2 * Width, Count, Bytes>(rows, y, x);
     } else if constexpr (2 * Width == Bytes) {
         return load_widened<Bytes>(rows.at(y, x));
+#if QORV_VECTOR_BYTES == 32
+    } else if constexpr (Bytes == 32) {
+        return widen(load_bytes<Width, Count, 16>(rows, y, x));
+#endif
     } else {
         return widen_low(load_bytes<Width, Count, 16>(rows, y, x));
     }

@@ -54,7 +54,10 @@ struct StripSum<kMagnitudes, uint8_t, Width, Sides> : ByteSum<Width, 32> {
     static_assert(kMaxDistances <= kMaxByteDistances);
     ByteDistances<Base::kBytes> sum[kCount] = {};
 
-    [[gnu::always_inline]] void add(int k, int, V a, V b) { add_byte_distances(sum[k % kCount], a, b); }
+    template <class... Mask>
+    [[gnu::always_inline]] void add(int k, int, V a, V b, Mask... used) {
+        add_byte_distances(sum[k % kCount], (a & ... & used), (b & ... & used));
+    }
     [[gnu::always_inline]] uint32_t total() const {
         constexpr int kAtOnce = smaller(kCount, power_of_two_up_to(kMaxByteDistances / kMaxDistances));
         uint32_t all = 0;
@@ -73,7 +76,10 @@ struct StripSum<kSquares, uint8_t, Width, Sides> : ByteSum<Width, 8> {
     static constexpr int kVectors = 8;
     ByteSquares<Base::kBytes> sum[kCount] = {};
 
-    [[gnu::always_inline]] void add(int k, int, V a, V b) { add_byte_squares(sum[k % kCount], a, b); }
+    template <class... Mask>
+    [[gnu::always_inline]] void add(int k, int, V a, V b, Mask... used) {
+        add_byte_squares(sum[k % kCount], (a & ... & used), (b & ... & used));
+    }
     [[gnu::always_inline]] uint32_t total() const {
         if constexpr (kCount == 4) return sum_lanes((sum[0] + sum[1]) + (sum[2] + sum[3]));
         return sum_lanes(sum[0] + sum[1]);
@@ -103,7 +109,7 @@ struct OddVectorsIf : NoOddVectors {};
 template <>
 struct OddVectorsIf<true> : OddVectors {};
 
-// What the sums of 16-bit lanes share. `largest` is of magnitudes, or of sums of them, exact below 32767.
+// What the sums of 16-bit lanes share.
 template <int Width>
 struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
     static constexpr int kBytes = Width < 16 ? 16 : kVectorBytes;
@@ -122,15 +128,15 @@ struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
     }
 
     Vec<uint32_t, kBytes> sum[kSums] = {};
-    Lanes largest[2] = {};
 
     [[gnu::always_inline]] void end_step(int) {}
     [[gnu::always_inline]] uint32_t total() const {
         if constexpr (kSums == 4) return sum_lanes((sum[0] + sum[1]) + (sum[2] + sum[3]));
         return sum_lanes(sum[0] + sum[1]);
     }
-    [[gnu::always_inline]] bool exact() const {
-        return !top_bit_set(add_saturated(max_lanes(largest[0], largest[1]), splat<Lanes>(1)));
+    // `largest` is of magnitudes, or of sums of them, exact below 32767.
+    [[gnu::always_inline]] static bool below_32767(Lanes largest) {
+        return !top_bit_set(add_saturated(largest, splat<Lanes>(1)));
     }
 };
 
@@ -138,21 +144,24 @@ struct WordSum : OddVectorsIf<kSingleRows && (Width > 8)> {
 template <int Width, int Sides>
 struct StripSum<kMagnitudes, int16_t, Width, Sides> : WordSum<Width> {
     using typename WordSum<Width>::Lanes, typename WordSum<Width>::V;
-    Lanes gathered[2] = {};
+    Lanes gathered[2] = {}, largest = {};
 
-    [[gnu::always_inline]] void add(int k, int, V a, V b) {
+    template <class... Mask>
+    [[gnu::always_inline]] void add(int k, int, V a, V b, Mask... used) {
         Lanes &lanes = gathered[k % 2];
-        lanes = k % 8 < 2 ? abs_difference(a, b) : add_saturated(lanes, abs_difference(a, b));
+        const Lanes magnitudes = (abs_difference(a, b) & ... & (Lanes)used);
+        lanes = k % 8 < 2 ? magnitudes : add_saturated(lanes, magnitudes);
         if (k % 8 == 7) add_gathered();
     }
     [[gnu::always_inline]] void end_step(int vectors) {
         if (vectors % 8 != 0) add_gathered();
     }
+    [[gnu::always_inline]] bool exact() const { return this->below_32767(largest); }
 
 private:
     [[gnu::always_inline]] void add_gathered() {
         const Lanes all = add_saturated(gathered[0], gathered[1]);
-        this->largest[0] = max_lanes(this->largest[0], all);
+        largest = max_lanes(largest, all);
         add_pairs(this->sum[0], all);
         gathered[0] = gathered[1] = Lanes{};
     }
@@ -163,29 +172,50 @@ template <int Width, int Sides>
 struct StripSum<kSquares, int16_t, Width, Sides> : WordSum<Width> {
     using typename WordSum<Width>::Lanes, typename WordSum<Width>::V;
 
-    [[gnu::always_inline]] void add(int k, int, V a, V b) {
-        const Lanes magnitudes = abs_difference(a, b);
-        this->largest[k % 2] = max_lanes(this->largest[k % 2], magnitudes);
+#ifdef QORV_SIMD_X86
+    // A saturated difference shows in the sum of its square and another one.
+    Vec<uint32_t, WordSum<Width>::kBytes> largest[2] = {};
+
+    template <class... Mask>
+    [[gnu::always_inline]] void add(int k, int, V a, V b, Mask... used) {
+        const auto squares = squares_of_pairs((subtract_saturated(a, b) & ... & used));
+        largest[k % 2] = max_lanes(largest[k % 2], squares);
+        this->sum[k % kSums] += squares;
+    }
+    [[gnu::always_inline]] bool exact() const {
+        constexpr uint32_t kSaturated = INT16_MAX * INT16_MAX;
+        return !top_bit_set(max_lanes(largest[0], largest[1]) + ((1U << 31) - kSaturated));
+    }
+#else
+    Lanes largest[2] = {};
+
+    template <class... Mask>
+    [[gnu::always_inline]] void add(int k, int, V a, V b, Mask... used) {
+        const Lanes magnitudes = (abs_difference(a, b) & ... & (Lanes)used);
+        largest[k % 2] = max_lanes(largest[k % 2], magnitudes);
         add_squares(this->sum[k % kSums], magnitudes);
     }
+    [[gnu::always_inline]] bool exact() const {
+        return this->below_32767(max_lanes(largest[0], largest[1]));
+    }
+#endif
 };
 
 // A sum over two strips, of which the second one leaves out its first columns: their samples are taken to be 0.
-template <class Sum>
+template <class Sum, int Width>
 struct Masked : Sum {
     using typename Sum::S, typename Sum::V, typename Sum::Sample;
     V mask[S::kAcross];
 
     [[gnu::always_inline]] explicit Masked(int32_t columns) {
-        const auto *row = (const Sample *)kMaskBytes.clear(columns * ptrdiff_t{sizeof(Sample)});
+        const auto *row = (const Sample *)kMaskBytes.clear((2 * Width - columns) * ptrdiff_t{sizeof(Sample)});
         unrolled<S::kAcross>([&](int i) __attribute__((always_inline)) {
             mask[i] = this->template load<S::kColumns, S::kRows>(Rows<const Sample>(row, 0), 0, i * S::kColumns);
         });
     }
     [[gnu::always_inline]] void add(int k, int i, V a, V b) {
         if (i < S::kAcross) return Sum::add(k, i, a, b);
-        const V &used = mask[i - S::kAcross];
-        Sum::add(k, i, a & used, b & used);
+        Sum::add(k, i, a, b, mask[i - S::kAcross]);
     }
 };
 
@@ -194,13 +224,15 @@ struct Unmasked : Sum {
     [[gnu::always_inline]] explicit Unmasked(int32_t) {}
 };
 
-template <class Sum, int Sides>
-struct WithSides {
-    using type = Unmasked<Sum>;
+template <Term term, class Lane, int Width, int Sides>
+struct SumOf {
+    using type = Unmasked<StripSum<term, Lane, Width, 1>>;
+    static constexpr int kSides = 1;
 };
-template <class Sum>
-struct WithSides<Sum, 2> {
-    using type = Masked<Sum>;
+template <Term term, class Lane, int Width>
+struct SumOf<term, Lane, Width, 2> {
+    using type = Masked<StripSum<term, Lane, Width, 2>, Width>;
+    static constexpr int kSides = 2;
 };
 
 #if QORV_VECTOR_BYTES == 32
@@ -219,9 +251,38 @@ struct Cut : Sum {
         return (V)load_groups((const uint8_t *)rows.at(y, x), mask);
     }
 };
+template <Term term, class Lane, int Width>
+struct SumOf<term, Lane, Width, 0> {
+    using type = Cut<StripSum<term, Lane, Width, 1>>;
+    static constexpr int kSides = 1;
+};
+
+// Two strips of 8 columns whose rows share a vector of words.
 template <class Sum>
-struct WithSides<Sum, 0> {
-    using type = Cut<Sum>;
+struct Joined : Sum {
+    using typename Sum::V, typename Sum::Sample;
+    int32_t apart;
+    V mask;
+
+    [[gnu::always_inline]] explicit Joined(int32_t columns)
+        : apart(columns - 8), mask(join(Rows<const Sample>((const Sample *)kMaskBytes.clear(0), 0), 0, columns - 16)) {}
+    template <int Columns, int Count, class T>
+    [[gnu::always_inline]] V load(const Rows<T> &rows, int y, int) const {
+        return join(rows, y, apart);
+    }
+    [[gnu::always_inline]] void add(int k, int i, V a, V b) { Sum::add(k, i, a, b, mask); }
+
+private:
+    template <class T>
+    [[gnu::always_inline]] static V join(const Rows<T> &rows, int y, int second) {
+        using Half = Vec<uint8_t, 16>;
+        return (V)concatenate((Half)load_samples<8, 1, 16>(rows, y, 0), (Half)load_samples<8, 1, 16>(rows, y, second));
+    }
+};
+template <Term term>
+struct SumOf<term, int16_t, 8, 2> {
+    using type = Joined<StripSum<term, int16_t, 16, 1>>;
+    static constexpr int kSides = 1;
 };
 
 template <class T>
@@ -317,11 +378,11 @@ using LaneFor = typename LaneOf<A>::type;
 template <Term term, int Width, int Sides, int MaxStep, class A, class B>
 [[gnu::always_inline]] inline uint32_t strip_sum(int32_t w, int32_t rows, const A *a, const B *b, int32_t stride_a,
                                                  int32_t stride_b) {
-    constexpr int kSides = Sides == 2 ? 2 : 1;
-    using Sum = typename WithSides<StripSum<term, LaneFor<A, B>, Width, kSides>, Sides>::type;
-    Sum sum(Sides == 2 ? 2 * Width - w : w);
-    Strip<const A, kSides> strip_a(a, stride_a, w - Width);
-    Strip<const B, kSides> strip_b(b, stride_b, w - Width);
+    using Parts = SumOf<term, LaneFor<A, B>, Width, Sides>;
+    using Sum = typename Parts::type;
+    Sum sum(w);
+    Strip<const A, Parts::kSides> strip_a(a, stride_a, w - Width);
+    Strip<const B, Parts::kSides> strip_b(b, stride_b, w - Width);
     walk<smaller(MaxStep, Sum::S::rows_of(Sum::kVectors))>(sum, strip_a, strip_b, rows);
     if constexpr (sizeof(A) + sizeof(B) > 2) {
         if (!sum.exact()) return exact_sum<term>(w, rows, a, b, stride_a, stride_b);
@@ -333,8 +394,9 @@ template <Term term, int Width, int Sides, int MaxStep, class A, class B>
 template <Term term, int Width, int Sides, class A, class B>
 [[gnu::noinline]] uint32_t area_strip(int32_t w, int32_t rows, const A *a, const B *b, int32_t stride_a,
                                       int32_t stride_b) {
-    using S = typename StripSum<term, LaneFor<A, B>, Width, 1>::S;
-    constexpr int kStep = kForSize ? 1 : S::kRows * Sides * S::kAcross > 1 ? S::kRows : kAreaVectors;
+    using Parts = SumOf<term, LaneFor<A, B>, Width, Sides>;
+    using S = typename Parts::type::S;
+    constexpr int kStep = kForSize ? 1 : S::kRows * Parts::kSides * S::kAcross > 1 ? S::kRows : kAreaVectors;
     return strip_sum<term, Width, Sides, kStep>(w, rows, a, b, stride_a, stride_b);
 }
 

@@ -197,8 +197,27 @@ template <class T>
     return total + sum_lanes(wide) + sum_lanes(narrow);
 }
 
+#if QORV_VECTOR_BYTES == 32
+// Four tiles of bytes: a vector holds two rows of two of them, their halves the sums and differences of neighbours.
+template <class T>
+[[gnu::always_inline]] inline uint32_t four_tiles(const T *a, const T *b, ptrdiff_t stride_a, ptrdiff_t stride_b) {
+    Rows<const T> rows_a(a, stride_a), rows_b(b, stride_b);
+    I16 v[4];
+    load_residual<8>(v, rows_a, rows_b);
+    sum_and_difference(v[0], v[1]);
+    sum_and_difference(v[2], v[3]);
+    transform_groups<8>(v);
+    U32 sum = {};
+    add_half_magnitudes<true>(sum, v);
+    return sum_lanes(sum);
+}
+#endif
+
 template <int Side, class T>
 [[gnu::noinline]] uint32_t square_satd(const T *a, const T *b, ptrdiff_t stride_a, ptrdiff_t stride_b) {
+#if QORV_VECTOR_BYTES == 32
+    if constexpr (Side == 8 && sizeof(T) == 1) return four_tiles(a, b, stride_a, stride_b);
+#endif
     constexpr int kBytes = smaller(2 * Side, kVectorBytes);
     uint32_t total = 0;
     Vec<uint32_t, kBytes> sum = {};
@@ -246,35 +265,35 @@ template <class A, class B>
 }
 
 // The residual of 16-bit lanes where it is small; elsewhere it is large, or `more` gets a top bit.
-template <class A, class B>
-[[gnu::always_inline]] inline Vec<int16_t, 16> small_residual(Vec<int16_t, 16> a, Vec<int16_t, 16> b,
-                                                              Vec<uint16_t, 16> &more) {
-    const auto top = splat<Vec<int16_t, 16>>(INT16_MIN);
+template <class A, class B, class V, class Unsigned>
+[[gnu::always_inline]] inline V small_residual(V a, V b, Unsigned &more) {
+    const V top = splat<V>(INT16_MIN);
     if constexpr (kUnsignedWords<A> && kUnsignedWords<B>) return subtract_saturated(a ^ top, b ^ top);
-    if constexpr (kUnsignedWords<B>) more |= (Vec<uint16_t, 16>)(b & top);
+    if constexpr (kUnsignedWords<B>) more |= (Unsigned)(b & top);
     return subtract_saturated(a, b);
 }
 
 template <class A, class B>
 static uint32_t satd8x8(const A *a, const B *b, int32_t stride_a, int32_t stride_b) {
     constexpr bool kBytes = sizeof(A) + sizeof(B) == 2, kFirst = kFirstStageDone<A, B>;
-    constexpr int kVector = kFirst ? kVectorBytes : 16;
+    constexpr int kVector = kVectorBytes;
     Rows<const A> rows_a(a, stride_a);
     Rows<const B> rows_b(b, stride_b);
     Vec<int16_t, kVector> v[8 * 16 / kVector];
     if constexpr (kBytes) {
         load_residual<8>(v, rows_a, rows_b);
     } else {
-        Vec<uint16_t, 16> more = {};
-        const auto load_row = [&](auto, int y, int i) __attribute__((always_inline)) {
-            v[i] =
-                small_residual<A, B>(load_samples<8, 1, 16>(rows_a, y, 0), load_samples<8, 1, 16>(rows_b, y, 0), more);
+        Vec<uint16_t, kVector> more = {};
+        const auto load_rows = [&](auto together, int y, int i) __attribute__((always_inline)) {
+            v[i] = small_residual<A, B>(load_samples<8, together.value, kVector>(rows_a, y, 0),
+                                        load_samples<8, together.value, kVector>(rows_b, y, 0), more);
         };
-        for_each_row<Shape<8, 8>, 8>(
-            load_row, [&](int n) __attribute__((always_inline)) { rows_a.skip(n), rows_b.skip(n); });
+        for_each_row<Shape<8, kVector / 2>, 8>(
+            load_rows, [&](int n) __attribute__((always_inline)) { rows_a.skip(n), rows_b.skip(n); });
         if (exceeds<kMaxResidual8x8>(v, more)) return exact_satd8x8(a, b, stride_a, stride_b);
     }
     transform_vectors(v);
+    if constexpr (!kFirst && kVector == 32) transform_groups<16>(v);
     if constexpr (!kFirst || kVector == 32) transform_groups<8>(v);
     transform_groups<4>(v);
     Vec<uint32_t, kVector> sum = {};

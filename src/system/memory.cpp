@@ -52,11 +52,32 @@ CopyRows block_copier(int32_t sample_bytes, int32_t width) {
 // Where the build has one set of kernels, these are exported themselves.
 #ifndef QORV_ONLY_SET
 
+// The smallest fills are vectors that every processor of the architecture has: finding what is faster takes longer.
+typedef uint8_t Sixteen __attribute__((vector_size(16)));
+typedef uint16_t Eight __attribute__((vector_size(16)));
+
+template <class V>
+static void store(void *dst, const V &v) {
+    memcpy(dst, &v, sizeof v);
+}
+
 extern "C" void qorv_mset_x128(void *dst, int32_t value, int32_t n) {
-    active.memory->mset_x128(dst, value, n);
+    if (n <= 128) [[unlikely]] {
+        const Sixteen bytes = Sixteen{} + static_cast<uint8_t>(value);
+#pragma GCC unroll 8
+        for (int i = 0; i < 8; i++) store(static_cast<char *>(dst) + 16 * i, bytes);
+        return;
+    }
+    memset(dst, value, (static_cast<size_t>(n) + 127) & ~size_t{127});
 }
 
 extern "C" void qorv_mset16(void *dst, uint16_t value, int32_t n) {
+    if (n >= 8 && n <= 16) [[unlikely]] {
+        const Eight samples = Eight{} + value;
+        store(dst, samples);
+        store(static_cast<uint16_t *>(dst) + (n - 8), samples);
+        return;
+    }
     active.memory->mset16(dst, value, n);
 }
 

@@ -166,7 +166,9 @@ void QORV_KERNEL(mset16)(void *dst, uint16_t value, int32_t n) {
     for (int32_t i = 0; i < n; i++) memcpy(bytes + 2 * i, &value, 2);
 }
 
-void QORV_KERNEL(mset_x128)(void *dst, int32_t value, int32_t n) {
+#ifdef QORV_ONLY_SET
+// Where there is a choice of sets, the C library's own choice is as good.
+void qorv_mset_x128(void *dst, int32_t value, int32_t n) {
     constexpr int kPiece = 128, kMost = 1024;  // of more, the C library has them sooner
     if (n > kMost) {
         memset(dst, value, (static_cast<size_t>(n) + kPiece - 1) / kPiece * kPiece);
@@ -179,6 +181,7 @@ void QORV_KERNEL(mset_x128)(void *dst, int32_t value, int32_t n) {
         if (n <= kPiece) return;
     }
 }
+#endif
 
 #ifndef QORV_ONLY_SET
 }  // namespace
@@ -190,7 +193,7 @@ namespace qorv::QORV_ISA {
 namespace {
 
 constexpr MemoryKernels list_kernels() {
-    MemoryKernels kernels = {QORV_KERNEL(mset16), QORV_KERNEL(mset_x128), {}};
+    MemoryKernels kernels = {QORV_KERNEL(mset16), {}};
     list_copiers<1>(kernels.copy_rows[0]);
     list_copiers<2>(kernels.copy_rows[1]);
     return kernels;

@@ -14,9 +14,7 @@ constexpr size_t kBlockWidthCount = sizeof kBlockWidths;
 using CopyRows = void (*)(void *dst, const void *src, ptrdiff_t dst_stride, ptrdiff_t src_stride, int32_t rows);
 
 struct MemoryKernels {
-    // As the exported functions.
-    void (*mset16)(void *dst, uint16_t value, int32_t n);
-    void (*mset_x128)(void *dst, int32_t value, int32_t n);
+    void (*mset16)(void *dst, uint16_t value, int32_t n);  // as the exported function
     // Block copies of 8-bit and of 16-bit samples, in the order of kBlockWidths.
     CopyRows copy_rows[2][kBlockWidthCount];
 };
