@@ -20,7 +20,7 @@ struct Neighbours {
     int weight;
 
     [[gnu::always_inline]] Neighbours(const Axis &axis, ptrdiff_t i)
-        : first(i * axis.step >> kPositionBits << axis.shift), weight(i * axis.step >> kEighthBits & 7) {
+        : first(i * axis.step >> kPositionBits << axis.shift), weight(eighths_at(i * axis.step)) {
         second = first + (ptrdiff_t{weight != 0} << axis.shift);
     }
     [[gnu::always_inline]] int blend(int a, int b) const { return (8 - weight) * a + weight * b; }

@@ -8,6 +8,11 @@ namespace qorv {
 constexpr int kPositionBits = 18;               // fraction bits of a position
 constexpr int kEighthBits = kPositionBits - 3;  // bits below the weights' grid of eighths
 
+// The weight of the sample behind a position, in eighths.
+[[gnu::always_inline]] constexpr int eighths_at(int64_t position) {
+    return static_cast<int>(position >> kEighthBits & 7);
+}
+
 // One direction of a picture. Of the source only every (1 << shift)-th sample is looked at, from the first on;
 // positions and steps count those.
 struct Axis {

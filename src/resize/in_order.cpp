@@ -32,10 +32,6 @@ struct Pixel565 {
     }
 };
 
-int eighths(int64_t position) {
-    return static_cast<int>(position >> kEighthBits & 7);
-}
-
 struct RowPair {
     const uint8_t *upper, *lower;
     int fy;
@@ -48,7 +44,7 @@ void resize_row(const ResizeJob &job, const RowPair &rows, From from, To to, uin
     int64_t x = job.part.x * axis.step;
     for (int32_t i = 0; i < job.part.w; i++, x += axis.step, dst += to.bytes) {
         const ptrdiff_t at = static_cast<ptrdiff_t>(x >> kPositionBits << axis.shift) * from.bytes;
-        const uint8_t *w = qorv_irsz_tbl_rsz_weight[eighths(x) * 8 + rows.fy];
+        const uint8_t *w = qorv_irsz_tbl_rsz_weight[eighths_at(x) * 8 + rows.fy];
         int sums[kMaxChannels];
         for (int c = 0; c < from.channels; c++) {
             sums[c] = w[0] * from.channel(rows.upper + at, c) + w[1] * from.channel(rows.upper + at + right, c) +

@@ -157,7 +157,7 @@ void reduce_few(const ResizeJob &job, int32_t first_column, int columns, uint8_t
     for (int i = 0; i < 8; i++) {
         const int64_t x = (first_column + (i < columns ? i : columns - 1)) * x_axis.step;
         left[i] = static_cast<ptrdiff_t>(x >> kPositionBits << x_axis.shift);
-        right_weight[i] = static_cast<uint16_t>(x >> kEighthBits & 7);
+        right_weight[i] = static_cast<uint16_t>(eighths_at(x));
     }
     const ptrdiff_t between = job.grid.neighbour - 1;
     const SourceRows source = job.rows;

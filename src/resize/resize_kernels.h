@@ -26,7 +26,7 @@ struct RowNumbers {
     int eighths;
 
     [[gnu::always_inline]] RowNumbers(int64_t y, int32_t shift)
-        : upper(y >> kPositionBits << shift), eighths(static_cast<int>(y >> kEighthBits & 7)) {
+        : upper(y >> kPositionBits << shift), eighths(eighths_at(y)) {
         lower = eighths == 0 ? upper : upper + (int64_t{1} << shift);
     }
 };
