@@ -17,7 +17,7 @@ class App;
 
 namespace tool {
 
-// One command of the program: its options, their names in the help, and what it does. CLI11 itself, which takes seconds
+// One command of the program: its options, their names in the help, and what it does. CLI11 itself, which takes long
 // to compile, stays in two sources. What must be given is checked by need(), when everything else is known to be right:
 // a wrong option is named before a missing one.
 class Command {
