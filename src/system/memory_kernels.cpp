@@ -25,8 +25,20 @@ template <class V>
     store_vector(end - sizeof(V), v);
 }
 
-// Fills of at least a vector. Up to eight vectors are stored from both ends, overlapping in the middle. In a longer run
-// all but the first two and the last four are aligned: stores that cross a cache line take several times as long.
+// Between the first and the last vector the stores are aligned: those that cross a cache line take several times as
+// long.
+template <class V>
+[[gnu::always_inline]] inline void fill_between(uint8_t *dst, uint16_t value, V ends, uint8_t *end) {
+    constexpr ptrdiff_t kStep = sizeof(V);
+    const ptrdiff_t head = kStep - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % sizeof(V));
+    const V body = head % 2 == 0 ? ends : splat<V>(value << 8 | value >> 8);
+    for (dst += head; dst < end - 4 * kStep; dst += 4 * kStep) {
+        for (int i = 0; i < 4; i++) store_vector(dst + i * kStep, body);
+    }
+    for (; dst < end - kStep; dst += kStep) store_vector(dst, body);
+}
+
+// Fills of at least a vector. Up to eight vectors are stored from both ends, overlapping in the middle.
 template <class V>
 [[gnu::always_inline]] inline void fill_vectors(uint8_t *dst, uint16_t value, uint8_t *end) {
     constexpr ptrdiff_t kStep = sizeof(V);
@@ -34,20 +46,11 @@ template <class V>
     const V ends = splat<V>(value);
     fill_ends(dst, ends, end);
     if (bytes <= 2 * kStep) return;
+    if (bytes > 8 * kStep) return fill_between(dst, value, ends, end);
     fill_ends(dst + kStep, ends, end - kStep);
     if (bytes <= 4 * kStep) return;
-    store_vector(end - 3 * kStep, ends);
-    store_vector(end - 4 * kStep, ends);
-    if (bytes <= 8 * kStep) {
-        store_vector(dst + 2 * kStep, ends);
-        store_vector(dst + 3 * kStep, ends);
-        return;
-    }
-    const ptrdiff_t head = 2 * kStep - static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(dst) % sizeof(V));
-    const V body = head % 2 == 0 ? ends : splat<V>(value << 8 | value >> 8);
-    for (dst += head; dst < end - 4 * kStep; dst += 4 * kStep) {
-        for (int i = 0; i < 4; i++) store_vector(dst + i * kStep, body);
-    }
+    fill_ends(dst + 2 * kStep, ends, end - 2 * kStep);
+    fill_ends(dst + 3 * kStep, ends, end - 3 * kStep);
 }
 
 // Bytes that are only copied: a compiler would take them through general registers, or call memset.
