@@ -62,13 +62,13 @@ static void store(void *dst, const V &v) {
 }
 
 extern "C" void qorv_mset_x128(void *dst, int32_t value, int32_t n) {
-    if (n <= 128) [[unlikely]] {
+    if (n <= kFillPiece) [[unlikely]] {
         const Sixteen bytes = Sixteen{} + static_cast<uint8_t>(value);
 #pragma GCC unroll 8
-        for (int i = 0; i < 8; i++) store(static_cast<char *>(dst) + 16 * i, bytes);
+        for (int i = 0; i < kFillPiece; i += 16) store(static_cast<char *>(dst) + i, bytes);
         return;
     }
-    memset(dst, value, (static_cast<size_t>(n) + 127) & ~size_t{127});
+    memset(dst, value, whole_pieces(n));
 }
 
 extern "C" void qorv_mset16(void *dst, uint16_t value, int32_t n) {

@@ -172,16 +172,16 @@ void QORV_KERNEL(mset16)(void *dst, uint16_t value, int32_t n) {
 #ifdef QORV_ONLY_SET
 // Where there is a choice of sets, the C library's own choice is as good.
 void qorv_mset_x128(void *dst, int32_t value, int32_t n) {
-    constexpr int kPiece = 128, kMost = 1024;  // of more, the C library has them sooner
+    constexpr int kMost = 1024;  // of more, the C library has them sooner
     if (n > kMost) {
-        memset(dst, value, (static_cast<size_t>(n) + kPiece - 1) / kPiece * kPiece);
+        memset(dst, value, whole_pieces(n));
         return;
     }
     const U8 all = only_copied(splat<U8>(value));
-    for (uint8_t *to = static_cast<uint8_t *>(dst);; to += kPiece, n -= kPiece) {
+    for (uint8_t *to = static_cast<uint8_t *>(dst);; to += kFillPiece, n -= kFillPiece) {
 #pragma GCC unroll 8
-        for (int i = 0; i < kPiece; i += kVectorBytes) store_vector(to + i, all);
-        if (n <= kPiece) return;
+        for (int i = 0; i < kFillPiece; i += kVectorBytes) store_vector(to + i, all);
+        if (n <= kFillPiece) return;
     }
 }
 #endif

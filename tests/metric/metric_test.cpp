@@ -333,6 +333,49 @@ TEST_P(Metric, EveryDifferenceOf16BitSamples) {
     }
 }
 
+// One difference, from the least to the largest, in each place of an otherwise equal area, with the largest differences
+// that there are around it: counted once, wherever strips overlap and halves are joined, and nothing else is.
+TEST_P(Metric, ADifferenceCountsOnceInEveryPlace) {
+    constexpr int kWidest = 67, kRows = 5, kStride = kWidest + 9;
+    constexpr int kAreaWidths[] = {1,  2,  3,  4,  5,  7,  8,  9,  11, 12, 13, 15,
+                                   16, 17, 20, 23, 24, 25, 31, 33, 47, 49, 65, 67};
+    for (const Cost &cost : costs()) {
+        if (cost.w != 0) continue;
+        const int tile = cost.name.starts_with("satd") ? 4 : 1;
+        std::vector<uint8_t> memory_a, memory_b;
+        const auto put = [&](std::vector<uint8_t> &memory, SampleType type, int at, int32_t value) {
+            const int32_t held = std::clamp(value, type.min, type.max);
+            std::memcpy(&memory[static_cast<size_t>(at * type.bytes)], &held, static_cast<size_t>(type.bytes));
+        };
+        for (const int w : kAreaWidths) {
+            const int h = 1 + w % kRows, counted_w = (w + tile - 1) / tile * tile,
+                      counted_h = (h + tile - 1) / tile * tile;
+            memory_a.assign(2 * kStride * 2 * kRows, 0), memory_b = memory_a;
+            for (int at = 0; at < kStride * 2 * kRows; at++) {
+                const bool inside = at % kStride < counted_w && at / kStride < counted_h;
+                put(memory_a, cost.a, at, inside ? 0 : INT32_MAX);
+                put(memory_b, cost.b, at, inside ? 0 : INT32_MIN);
+            }
+            const auto expect_equal = [&](int x, int y, int32_t value) {
+                ASSERT_EQ(cost.run(w, h, memory_a.data(), memory_b.data(), kStride, kStride),
+                          cost.expected(w, h, memory_a.data(), memory_b.data(), kStride, kStride))
+                    << cost.name << ' ' << w << 'x' << h << ", " << value << " at " << x << ", " << y;
+            };
+            for (int y = 0; y < h; y++) {
+                for (int x = 0; x < w; x++) {
+                    const int at = y * kStride + x;
+                    for (const int32_t value : {1, 181, 23170, INT32_MAX}) {
+                        put(memory_a, cost.a, at, value);
+                        put(memory_b, cost.b, at, value == INT32_MAX ? INT32_MIN : 0);
+                        ASSERT_NO_FATAL_FAILURE(expect_equal(x, y, value));
+                    }
+                    put(memory_a, cost.a, at, 0), put(memory_b, cost.b, at, 0);
+                }
+            }
+        }
+    }
+}
+
 // Sums beyond 2^32, and accumulators that must be emptied on the way.
 TEST_P(Metric, LargeAreasWrap) {
     constexpr int kSide = 333;

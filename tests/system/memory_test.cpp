@@ -55,6 +55,21 @@ TEST_P(MemoryKernels, Mset16WritesExactlyTheSamples) {
     expect_fill(200002, 0x1234, [](void *dst) { qorv_mset16(dst, 0x1234, 100001); });
 }
 
+// The stores between the first and the last are aligned, also of samples at an odd address.
+TEST_P(MemoryKernels, Mset16AtEveryAlignment) {
+    constexpr size_t kRoom = 2 * 170 + 128;
+    for (size_t place = 0; place < 64; place++) {
+        for (int32_t n = 30; n < 170; n += 7) {
+            alignas(64) uint8_t room[kRoom];
+            std::vector<uint8_t> expected(kRoom, 0x11);
+            std::copy(expected.begin(), expected.end(), room);
+            for (size_t i = 0; i < 2 * static_cast<size_t>(n); i++) expected[place + i] = i % 2 == 0 ? 0xEF : 0xBE;
+            qorv_mset16(room + place, 0xBEEF, n);
+            ASSERT_EQ(test::first_difference<uint8_t>(expected, room, kRoom), "") << n << " samples at " << place;
+        }
+    }
+}
+
 TEST_P(MemoryKernels, MsetX128WritesWholePieces) {
     for (int32_t n : {INT32_MIN, -1, 0, 1, 127, 128, 129, 256, 300, 1000, 1024, 1025, 5000}) {
         const size_t pieces = n > 128 ? (static_cast<size_t>(n) + 127) / 128 : 1;
