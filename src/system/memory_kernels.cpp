@@ -154,6 +154,7 @@ constexpr void list_copiers(CopyRows *copiers) {
 // Where the build has one set, its kernel is the exported function itself, without a jump through a table.
 #ifdef QORV_ONLY_SET
 #define QORV_KERNEL(member) qorv_##member
+using namespace qorv;
 using namespace qorv::QORV_ISA;
 #else
 #define QORV_KERNEL(member) member
